@@ -1,0 +1,38 @@
+// The commands of qrz.
+#pragma once
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// Exit statuses.
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+/// `qrz apply`: evaluates the expression with `self` as each picture file in
+/// turn. A picture is written to `output`: a file, or a folder if it is one or
+/// if there are several files. Any other value is printed. Goes on after a file
+/// that failed.
+int applyExpression(const std::string& expression, const std::vector<std::string>& files,
+                    const std::string& output);
+
+/// `qrz run`.
+int runScript(const std::string& path, const std::vector<std::string>& arguments);
+
+/// `qrz members`: what the plug-in registered; all of it, or the members and
+/// classes of one name.
+int listMembers(const std::string& name);
+
+/// `qrz gallery`: writes index.html into the folder, and makes the folder.
+int makeGallery(const std::string& folder);
+
+/// One line on standard error.
+void complain(const std::string& line);
+
+/// Set by an interrupt from the keyboard; scripts end at their next statement.
+const volatile sig_atomic_t* interruptFlag();
+
+}  // namespace host

@@ -1,0 +1,120 @@
+// qrz: uses the plug-in from a terminal.
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <map>
+
+#include "host/cli/commands.h"
+#include "host/core/runtime.h"
+
+namespace host {
+namespace {
+
+volatile sig_atomic_t interrupted = 0;
+
+void onInterrupt(int /*signal*/) {
+  interrupted = 1;
+  // A second interrupt ends the process, whatever it is doing.
+  std::signal(SIGINT, SIG_DFL);
+}
+
+/// The build of the plug-in beside this program.
+std::string defaultPlugin() {
+  std::error_code error;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+  return (self.parent_path() / "PictureQRZ.so").string();
+}
+
+struct CommandLine {
+  std::string plugin = defaultPlugin();
+  bool check = false;
+  std::string expression, output, script, member, folder;
+  std::vector<std::string> files, arguments;
+};
+
+/// Adds the options that every command takes.
+void addGeneralOptions(CLI::App& app, CommandLine& line) {
+  static const std::map<std::string, Storage> modes{
+      {"gworld", Storage::GWorld}, {"context", Storage::Context}, {"bitmap", Storage::Bitmap}};
+  app.add_option("--plugin", line.plugin, "Another build of the plug-in");
+  app.add_option("--pictures", runtime().settings.newPictures,
+                 "What new pictures are: gworld, context or bitmap")
+      ->transform(CLI::CheckedTransformer(modes, CLI::ignore_case).description("MODE"));
+  app.add_option("--host-version", runtime().settings.version,
+                 "The host's version as the plug-in sees it, for instance 2010.029");
+  app.add_flag("--check", line.check, "Fail if objects are still alive or locked at the end");
+}
+
+int runCommand(const CLI::App& app, const CommandLine& line) {
+  loadPlugin(line.plugin);
+  if (app.got_subcommand("apply")) return applyExpression(line.expression, line.files, line.output);
+  if (app.got_subcommand("run")) return runScript(line.script, line.arguments);
+  if (app.got_subcommand("members")) return listMembers(line.member);
+  return makeGallery(line.folder);
+}
+
+void addCommands(CLI::App& app, CommandLine& line) {
+  auto* apply = app.add_subcommand("apply", "Evaluate an expression on picture files");
+  apply->add_option("expression", line.expression, "For instance \"self.InvertQRZ\"")->required();
+  apply->add_option("files", line.files, "Picture files, or built-in ones: sample:landscape")
+      ->required();
+  apply->add_option("-o,--output", line.output, "The file, or for several files the folder");
+  auto* run = app.add_subcommand("run", "Run a program in the host's language");
+  run->add_option("script", line.script, "The program")->required();
+  run->add_option("arguments", line.arguments, "Argument(0), Argument(1), … of the program");
+  auto* members = app.add_subcommand("members", "List what the plug-in registered");
+  members->add_option("name", line.member, "Only members or classes of this name");
+  auto* gallery = app.add_subcommand("gallery", "Make a page with every member before and after");
+  gallery->add_option("folder", line.folder, "The folder for index.html")->required();
+}
+
+/// Reports what is still alive or locked; true if something is.
+bool reportLeaks(bool check) {
+  const std::vector<std::string> lines = runtime().findLeaks();
+  for (const std::string& line : lines) complain((check ? "error: " : "warning: ") + line);
+  return !lines.empty();
+}
+
+int run(int argc, char** argv) {
+  CommandLine line;
+  CLI::App app("Uses the picture plug-in from a terminal.", "qrz");
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("qrz: ") + error.what() + "; `qrz --help` shows the usage\n";
+  });
+  addGeneralOptions(app, line);
+  addCommands(app, line);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kWrongUsage;
+  }
+  addBuiltInClasses(runtime().registry);
+  std::signal(SIGINT, onInterrupt);
+  const int status = runCommand(app, line);
+  const bool leaks = reportLeaks(line.check);
+  return leaks && line.check && status == kDone ? kFailed : status;
+}
+
+}  // namespace
+
+void complain(const std::string& line) { std::cerr << line << '\n'; }
+
+const volatile sig_atomic_t* interruptFlag() { return &interrupted; }
+
+}  // namespace host
+
+int main(int argc, char** argv) {
+  try {
+    return host::run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    host::complain("qrz: not enough memory");
+  } catch (const std::exception& error) {
+    host::complain(std::string("qrz: ") + error.what());
+  }
+  return host::kFailed;
+}

@@ -1,0 +1,280 @@
+#include "host/core/pixel_store.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "platform/standin/standin.h"
+#include "plugin/binding/description.h"
+
+namespace host {
+namespace {
+
+constexpr uint32_t kWhite = 0x00FFFFFF;
+
+/// More than any 32-bit process can hold twice.
+constexpr int64_t kLargestStore = int64_t{1} << 30;
+
+struct FreeDeleter {
+  void operator()(void* memory) const { free(memory); }
+};
+using Bytes = std::unique_ptr<uint8_t, FreeDeleter>;
+
+/// Null if the block is too large or there is no memory.
+Bytes allocate(int64_t rowBytes, int32_t height) {
+  const int64_t size = rowBytes * height;
+  if (size > kLargestStore) return nullptr;
+  return Bytes(static_cast<uint8_t*>(calloc(static_cast<size_t>(size), 1)));
+}
+
+/// 0xPPRRGGBB to bytes P, R, G, B and back: the byte order turned round.
+void copySwapped(void* to, const void* from, int32_t count) {
+  const auto* source = static_cast<const uint8_t*>(from);
+  auto* destination = static_cast<uint8_t*>(to);
+  for (int32_t i = 0; i < count; ++i, source += 4, destination += 4) {
+    uint32_t word = 0;
+    memcpy(&word, source, 4);
+    word = __builtin_bswap32(word);
+    memcpy(destination, &word, 4);
+  }
+}
+
+void read24(uint32_t* words, const uint8_t* row, int32_t count) {
+  for (int32_t x = 0; x < count; ++x, row += 3) {
+    words[x] = static_cast<uint32_t>(row[0] << 16 | row[1] << 8 | row[2]);
+  }
+}
+
+void write24(uint8_t* row, const uint32_t* words, int32_t count) {
+  for (int32_t x = 0; x < count; ++x, row += 3) {
+    row[0] = static_cast<uint8_t>(words[x] >> 16);
+    row[1] = static_cast<uint8_t>(words[x] >> 8);
+    row[2] = static_cast<uint8_t>(words[x]);
+  }
+}
+
+/// Five bits spread over eight, so that 31 becomes 255.
+uint32_t expand5(uint32_t five) { return five << 3 | five >> 2; }
+
+void read16(uint32_t* words, const uint8_t* row, int32_t count) {
+  for (int32_t x = 0; x < count; ++x, row += 2) {
+    const auto word = static_cast<uint32_t>(row[0] << 8 | row[1]);
+    words[x] = expand5(word >> 10 & 31) << 16 | expand5(word >> 5 & 31) << 8 | expand5(word & 31);
+  }
+}
+
+void write16(uint8_t* row, const uint32_t* words, int32_t count) {
+  for (int32_t x = 0; x < count; ++x, row += 2) {
+    const uint32_t rgb = words[x];
+    const uint32_t word = (rgb >> 19 & 31) << 10 | (rgb >> 11 & 31) << 5 | (rgb >> 3 & 31);
+    row[0] = static_cast<uint8_t>(word >> 8);
+    row[1] = static_cast<uint8_t>(word);
+  }
+}
+
+class GWorldStore final : public PixelStore {
+ public:
+  GWorldStore(GWorldPtr world, bool owned)
+      : world_(world), pixels_(standin::pixelsOf(world)), owned_(owned) {}
+  ~GWorldStore() override {
+    if (owned_) standin::disposeGWorld(world_);
+  }
+
+  [[nodiscard]] int32_t type() const override { return qrz::kGWorld; }
+  [[nodiscard]] void* data() override { return world_; }
+  [[nodiscard]] std::string name() const override {
+    return "GWorld " + std::to_string(pixels_.depth);
+  }
+  [[nodiscard]] int32_t width() const override { return pixels_.width; }
+  [[nodiscard]] int32_t height() const override { return pixels_.height; }
+  [[nodiscard]] int32_t depth() const override { return pixels_.depth; }
+
+  void read(const Run& run, uint32_t* words) const override {
+    const uint8_t* bytes = address(run);
+    if (pixels_.depth == 32) copySwapped(words, bytes, run.count);
+    if (pixels_.depth == 24) read24(words, bytes, run.count);
+    if (pixels_.depth == 16) read16(words, bytes, run.count);
+  }
+  void write(const Run& run, const uint32_t* words) override {
+    uint8_t* bytes = address(run);
+    if (pixels_.depth == 32) copySwapped(bytes, words, run.count);
+    if (pixels_.depth == 24) write24(bytes, words, run.count);
+    if (pixels_.depth == 16) write16(bytes, words, run.count);
+  }
+
+ private:
+  [[nodiscard]] uint8_t* address(const Run& run) const {
+    return pixels_.base + static_cast<ptrdiff_t>(run.y) * pixels_.rowBytes +
+           run.x * (pixels_.depth / 8);
+  }
+
+  GWorldPtr world_;
+  standin::Pixels pixels_;
+  bool owned_;
+};
+
+class ContextStore final : public PixelStore {
+ public:
+  ContextStore(Bytes bytes, CGContextRef context, int32_t width, int32_t height, int32_t rowBytes)
+      : bytes_(std::move(bytes)),
+        context_(context),
+        width_(width),
+        height_(height),
+        rowBytes_(rowBytes) {}
+  ~ContextStore() override { standin::disposeBitmapContext(context_); }
+
+  [[nodiscard]] int32_t type() const override { return qrz::kBitmapContext; }
+  [[nodiscard]] void* data() override { return context_; }
+  [[nodiscard]] std::string name() const override { return "bitmap context"; }
+  [[nodiscard]] int32_t width() const override { return width_; }
+  [[nodiscard]] int32_t height() const override { return height_; }
+
+  void read(const Run& run, uint32_t* words) const override {
+    copySwapped(words, address(run), run.count);
+  }
+  void write(const Run& run, const uint32_t* words) override {
+    copySwapped(address(run), words, run.count);
+  }
+  /// The host takes the finished pixels over as a GWorld, without a copy.
+  std::unique_ptr<PixelStore> afterChange() override {
+    GWorldPtr world = standin::newGWorldOver(bytes_.get(), width_, height_, 32, rowBytes_);
+    if (world == nullptr) return nullptr;
+    static_cast<void>(bytes_.release());
+    return gworldStore(world, true);
+  }
+
+ private:
+  [[nodiscard]] uint8_t* address(const Run& run) const {
+    return bytes_.get() + static_cast<ptrdiff_t>(run.y) * rowBytes_ + 4 * run.x;
+  }
+
+  Bytes bytes_;
+  CGContextRef context_;
+  int32_t width_;
+  int32_t height_;
+  int32_t rowBytes_;
+};
+
+class BitmapStore final : public PixelStore {
+ public:
+  BitmapStore(Bytes bytes, int32_t width, int32_t height, int64_t rowBytes)
+      : bytes_(std::move(bytes)), rows_(static_cast<size_t>(height)) {
+    for (size_t y = 0; y < rows_.size(); ++y) {
+      rows_[y] = bytes_.get() + static_cast<ptrdiff_t>(y) * static_cast<ptrdiff_t>(rowBytes);
+    }
+    record_.width = width;
+    record_.height = height;
+    record_.ready = 1;
+    record_.rowTable = rows_.data();
+  }
+
+  [[nodiscard]] int32_t type() const override { return qrz::kHostBitmap; }
+  [[nodiscard]] void* data() override { return &record_; }
+  [[nodiscard]] std::string name() const override { return "bitmap"; }
+  [[nodiscard]] int32_t width() const override { return record_.width; }
+  [[nodiscard]] int32_t height() const override { return record_.height; }
+
+  void read(const Run& run, uint32_t* words) const override {
+    memcpy(words, address(run), 4 * static_cast<size_t>(run.count));
+  }
+  void write(const Run& run, const uint32_t* words) override {
+    memcpy(address(run), words, 4 * static_cast<size_t>(run.count));
+  }
+
+ private:
+  [[nodiscard]] uint8_t* address(const Run& run) const {
+    return rows_[static_cast<size_t>(run.y)] + 4 * run.x;
+  }
+
+  Bytes bytes_;
+  std::vector<uint8_t*> rows_;
+  qrz::HostBitmap record_{};
+};
+
+class PictStore final : public PixelStore {
+ public:
+  explicit PictStore(Handle handle) : handle_(handle) {
+    if (standin::sizeOf(handle) < 10) return;
+    width_ = std::max(coordinate(8) - coordinate(4), 0);
+    height_ = std::max(coordinate(6) - coordinate(2), 0);
+  }
+  ~PictStore() override { standin::disposeHandle(handle_); }
+
+  [[nodiscard]] int32_t type() const override { return qrz::kPictData; }
+  [[nodiscard]] void* data() override { return handle_; }
+  [[nodiscard]] std::string name() const override { return "PICT data"; }
+  [[nodiscard]] int32_t width() const override { return width_; }
+  [[nodiscard]] int32_t height() const override { return height_; }
+
+  void read(const Run& run, uint32_t* words) const override {
+    std::fill_n(words, run.count, kWhite);
+  }
+  void write(const Run& /*run*/, const uint32_t* /*words*/) override {}
+
+ private:
+  /// A big-endian 16-bit coordinate of the frame.
+  [[nodiscard]] int32_t coordinate(ptrdiff_t offset) const {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(*handle_) + offset;
+    return static_cast<int16_t>(bytes[0] << 8 | bytes[1]);
+  }
+
+  Handle handle_;
+  int32_t width_ = 0;
+  int32_t height_ = 0;
+};
+
+std::unique_ptr<PixelStore> newContextStore(Bytes bytes, int32_t width, int32_t height,
+                                            int32_t rowBytes) {
+  CGContextRef context =
+      standin::newBitmapContext(bytes.get(), static_cast<size_t>(rowBytes), 8, 32);
+  if (context == nullptr) return nullptr;
+  return std::make_unique<ContextStore>(std::move(bytes), context, width, height, rowBytes);
+}
+
+std::unique_ptr<PixelStore> newGWorldStore(Bytes bytes, int32_t width, int32_t height,
+                                           int32_t depth, int32_t rowBytes) {
+  GWorldPtr world = standin::newGWorldOver(bytes.get(), width, height, depth, rowBytes);
+  if (world == nullptr) return nullptr;
+  static_cast<void>(bytes.release());
+  return gworldStore(world, true);
+}
+
+void fillWhite(PixelStore& store) {
+  const std::vector<uint32_t> row(static_cast<size_t>(store.width()), kWhite);
+  for (int32_t y = 0; y < store.height(); ++y) store.write({0, y, store.width()}, row.data());
+}
+
+}  // namespace
+
+std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_t height,
+                                          int32_t depth) {
+  if (width < 1 || height < 1) return nullptr;
+  if (storage != Storage::GWorld || (depth != 24 && depth != 16)) depth = 32;
+  const int64_t rowBytes = standin::rowBytesFor(width, depth);
+  Bytes bytes = allocate(rowBytes, height);
+  if (bytes == nullptr) return nullptr;
+  const auto stride = static_cast<int32_t>(rowBytes);
+  std::unique_ptr<PixelStore> store;
+  switch (storage) {
+    case Storage::GWorld:
+      store = newGWorldStore(std::move(bytes), width, height, depth, stride);
+      break;
+    case Storage::Context:
+      store = newContextStore(std::move(bytes), width, height, stride);
+      break;
+    case Storage::Bitmap:
+      store = std::make_unique<BitmapStore>(std::move(bytes), width, height, rowBytes);
+      break;
+  }
+  if (store != nullptr) fillWhite(*store);
+  return store;
+}
+
+std::unique_ptr<PixelStore> gworldStore(GWorldPtr world, bool owned) {
+  return std::make_unique<GWorldStore>(world, owned);
+}
+
+std::unique_ptr<PixelStore> pictStore(Handle data) { return std::make_unique<PictStore>(data); }
+
+}  // namespace host

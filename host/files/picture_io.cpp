@@ -1,0 +1,87 @@
+#include "host/files/picture_io.h"
+
+#include <new>
+
+#include "host/core/exception.h"
+#include "host/core/runtime.h"
+#include "host/files/image_file.h"
+#include "host/gallery/samples.h"
+
+namespace host {
+namespace {
+
+constexpr std::string_view kSamplePrefix = "sample:";
+constexpr int32_t kSampleWidth = 480;
+constexpr int32_t kSampleHeight = 320;
+
+/// The level as a grey pixel.
+uint32_t grey(uint32_t level) { return level << 16 | level << 8 | level; }
+
+Image drawSample(const std::string& path) {
+  const std::string_view name = std::string_view(path).substr(kSamplePrefix.size());
+  std::string known;
+  for (const Sample& sample : samples()) {
+    if (sample.name == name) return sample.draw(kSampleWidth, kSampleHeight);
+    known += (known.empty() ? "" : ", ") + std::string(sample.name);
+  }
+  throw ImageError(path + ": no such sample picture; there are " + known);
+}
+
+Image readAny(const std::string& path) {
+  return path.starts_with(kSamplePrefix) ? drawSample(path) : readImage(path);
+}
+
+}  // namespace
+
+Image imageOf(const Picture& picture) {
+  Image image{picture.width(), picture.height(), static_cast<bool>(picture.mask), picture.pixels()};
+  for (uint32_t& word : image.pixels) word &= 0x00FFFFFF;
+  if (!picture.mask) return image;
+  const Picture& mask = *picture.mask;
+  size_t i = 0;
+  for (int32_t y = 0; y < image.height; ++y) {
+    for (int32_t x = 0; x < image.width; ++x, ++i) {
+      // Where the mask does not reach, the picture is opaque.
+      const bool covered = x < mask.width() && y < mask.height();
+      image.pixels[i] |= (covered ? mask.pixel(x, y) & 0xFF : 255) << 24;
+    }
+  }
+  return image;
+}
+
+Ref<Picture> pictureOf(const Image& image) {
+  const Storage storage = runtime().storageOfOpenedPictures();
+  auto picture = Picture::create(storage, image.width, image.height);
+  if (!picture) return nullptr;
+  picture->setPixels(image.pixels);
+  if (!image.hasAlpha) return picture;
+  picture->mask = Picture::create(storage, image.width, image.height);
+  if (!picture->mask) return nullptr;
+  std::vector<uint32_t> levels(image.pixels.size());
+  for (size_t i = 0; i < levels.size(); ++i) levels[i] = grey(image.pixels[i] >> 24);
+  picture->mask->setPixels(levels);
+  return picture;
+}
+
+Ref<Picture> openPicture(const std::string& path) {
+  try {
+    if (auto picture = pictureOf(readAny(path))) return picture;
+    throw std::bad_alloc();
+  } catch (const ImageError& error) {
+    raise("IOException", error.what());
+  } catch (const std::bad_alloc&) {
+    raise("IOException", path + ": is too large for the memory of this process");
+  }
+}
+
+void savePicture(const Picture& picture, const std::string& path) {
+  try {
+    writeImage(path, imageOf(picture));
+  } catch (const ImageError& error) {
+    raise("IOException", error.what());
+  } catch (const std::bad_alloc&) {
+    raise("IOException", path + ": not enough memory to write the picture");
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,26 @@
+// Host pictures from and to picture files.
+#pragma once
+
+#include <string>
+
+#include "host/core/picture.h"
+#include "host/files/image.h"
+
+namespace host {
+
+/// The pixels and, where there is one, the mask as alpha.
+Image imageOf(const Picture& picture);
+
+/// A picture in the representation of opened files. Alpha goes to the pad bytes
+/// and, as grey levels, to the mask. Null without memory.
+Ref<Picture> pictureOf(const Image& image);
+
+/// Opens a picture file, or draws the built-in sample picture of a name such as
+/// "sample:landscape". Raises an IOException with one clear line.
+Ref<Picture> openPicture(const std::string& path);
+
+/// Writes a picture file of the kind that the extension names. Raises an
+/// IOException with one clear line, and leaves no half-written file.
+void savePicture(const Picture& picture, const std::string& path);
+
+}  // namespace host

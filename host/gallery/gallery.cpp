@@ -1,0 +1,77 @@
+#include "host/gallery/gallery.h"
+
+#include <sstream>
+#include <stdexcept>
+#include <vector>
+
+#include "host/core/runtime.h"
+#include "host/files/picture_io.h"
+#include "host/gallery/page.h"
+#include "host/gallery/recipes.h"
+#include "host/script/conversion.h"
+#include "host/script/script.h"
+
+namespace host {
+namespace {
+
+bool shows(const Recipe& recipe, std::string_view className, const Member& member) {
+  return sameName(recipe.className, className) && recipe.declaration == member.declaration.text;
+}
+
+/// Throws if a registered member has no recipe.
+void checkMembers(std::string_view className, const std::vector<Member>& members) {
+  for (const Member& member : members) {
+    if (!member.isRegistered) continue;
+    bool found = false;
+    for (const Recipe& recipe : recipes()) found = found || shows(recipe, className, member);
+    if (!found) {
+      throw std::logic_error("the gallery has no recipe for " + std::string(className) +
+                             (className.empty() ? "" : ".") + member.declaration.text);
+    }
+  }
+}
+
+void checkAllMembers() {
+  Registry& registry = runtime().registry;
+  for (const Class& entry : registry.classes()) checkMembers(entry.name, entry.members);
+  checkMembers("", registry.globals());
+}
+
+GalleryEntry entryFor(const Recipe& recipe) {
+  GalleryEntry entry;
+  std::ostringstream output;
+  Interpreter interpreter(runtime().registry, output);
+  const auto before = openPicture("sample:" + std::string(recipe.sample));
+  entry.before = imageOf(*before);
+  interpreter.setVariable("self", objectValue(before));
+  interpreter.setVariable("result", Nil{});
+  interpreter.run(Script::parse(std::string(recipe.program), std::string(recipe.declaration)));
+  const Value result = interpreter.evaluate("result", "result");
+
+  entry.declaration = recipe.declaration;
+  entry.member = parseDeclaration(recipe.declaration).name;
+  entry.expression = recipe.program;
+  entry.note = recipe.note;
+  if (const auto* picture = objectAs<Picture>(result)) {
+    entry.after = imageOf(*picture);
+  } else {
+    entry.value = textOf(result);
+  }
+  return entry;
+}
+
+}  // namespace
+
+std::string makeGalleryPage() {
+  checkAllMembers();
+  std::vector<GalleryGroup> groups;
+  for (const Recipe& recipe : recipes()) {
+    if (groups.empty() || groups.back().title != recipe.group) {
+      groups.push_back({std::string(recipe.group), {}});
+    }
+    groups.back().entries.push_back(entryFor(recipe));
+  }
+  return galleryPage(groups);
+}
+
+}  // namespace host

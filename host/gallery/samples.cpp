@@ -1,0 +1,19 @@
+#include "host/gallery/samples.h"
+
+#include "host/gallery/sample_pictures.h"
+
+namespace host {
+
+std::span<const Sample> samples() {
+  static constexpr Sample kSamples[] = {
+      {"landscape", "Evening at the lake", &drawLandscape},
+      {"gradients", "Silk and ramps", &drawGradients},
+      {"colors", "Coloured balls", &drawColors},
+      {"greys", "Greys among colours", &drawGreys},
+      {"edges", "Sharp edges", &drawEdges},
+      {"alpha", "Flower on nothing", &drawAlpha},
+  };
+  return kSamples;
+}
+
+}  // namespace host

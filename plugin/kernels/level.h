@@ -1,0 +1,19 @@
+// The CPU level that the row kernels run at.
+#pragma once
+
+#include <cstdint>
+
+namespace qrz {
+
+/// Levels in ascending order; every Intel machine that the host runs on has
+/// SSE2. All levels give the same bytes.
+enum class CpuLevel : int32_t { SSE2 = 0, AVX2 = 1 };
+
+/// Chosen once, at the entry, before any kernel runs.
+inline CpuLevel cpuLevel = CpuLevel::SSE2;
+
+/// The highest level that the processor has and the operating system has
+/// enabled, and not above the cap that the build may have set.
+CpuLevel detectCpuLevel();
+
+}  // namespace qrz

@@ -1,0 +1,115 @@
+// The frame that all operations share: open the pictures, make the new one,
+// run over the rows, give everything back.
+//
+//   readPictures   opens readers on one or more pictures and works with them
+//   makePicture    the same, and makes a new picture of the first one's size
+//   filterPictures the same, and runs a row operation over an area of it
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <type_traits>
+#include <utility>
+
+#include "plugin/pixels/area.h"
+#include "plugin/pixels/reader.h"
+#include "plugin/pixels/writer.h"
+
+namespace qrz {
+
+template <size_t Count>
+using Pictures = std::array<HostPicture, Count>;
+
+namespace detail {
+
+/// Opens all readers on one path, in order. False if the first one refuses:
+/// then it is the other path's turn. Otherwise the matter is settled, also when
+/// a further picture cannot be read. Readers close in the reverse order.
+template <typename Path, size_t Count, typename Work>
+bool readOnPath(const Pictures<Count>& pictures, Work& work) {
+  std::array<PictureReader<Path>, Count> readers;
+  if (!readers[0].open(pictures[0])) return false;
+  for (size_t i = 1; i < Count; ++i) {
+    if (!readers[i].open(pictures[i])) return true;
+  }
+  work(Path(), readers);
+  return true;
+}
+
+}  // namespace detail
+
+/// Opens a reader on each picture, on the first path or else on the second, and
+/// calls `work(Path(), readers)` with an array of `PictureReader<Path>`. Does
+/// not call it if a picture cannot be read.
+template <typename First = GWorldPath, typename Second = RowTablePath, size_t Count, typename Work>
+void readPictures(const Pictures<Count>& pictures, Work work) {
+  if (!detail::readOnPath<First>(pictures, work)) detail::readOnPath<Second>(pictures, work);
+}
+
+/// Size rule of the operations with one source: every size will do.
+struct AnySize {
+  template <typename Readers>
+  bool operator()(const Readers& /*readers*/) const {
+    return true;
+  }
+};
+
+/// Makes a new picture of the size of the first one, with one reference for the
+/// caller: opens the readers, tests `sizesFit(readers)`, creates the writer and
+/// calls `work(Path(), readers, writer)`. Null if a picture cannot be read, the
+/// sizes do not fit or no new picture can be written.
+template <size_t Count, typename SizeRule, typename Work>
+HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work work) {
+  HostPicture result = nullptr;
+  readPictures(pictures, [&](auto path, const auto& readers) {
+    if (!sizesFit(readers)) return;
+    PictureWriter<decltype(path)> writer;
+    if (!writer.create(readers[0].width(), readers[0].height())) return;
+    work(path, readers, writer);
+    result = writer.finish();
+  });
+  return result;
+}
+
+namespace detail {
+
+/// One row of every source, from column x on, for the row operation.
+template <typename Format, typename Readers, typename RowOperation, size_t... Index>
+void filterRow(const Readers& readers, const Area& area, int32_t y, PixelWord* destination,
+               const RowOperation& operation, std::index_sequence<Index...> /*sources*/) {
+  operation.template row<Format>(destination + area.x0, area.x1 - area.x0,
+                                 (readers[Index].row(y) + area.x0)...);
+}
+
+}  // namespace detail
+
+/// Makes a new picture of the size of the first one and runs the operation over
+/// the rows of an area of it, from the top down:
+///
+///   operation.row<Format>(destination, count, source0, source1, …)
+///
+/// with `count` pixels at the same place of every picture. Sources and
+/// destination never overlap. `areaRule.within(width, height)` gives the area;
+/// pixels outside it are not written. Null as makePicture says.
+template <size_t Count, typename SizeRule, typename AreaRule, typename RowOperation>
+HostPicture filterPictures(const Pictures<Count>& pictures, SizeRule sizesFit,
+                           const AreaRule& areaRule, const RowOperation& operation) {
+  return makePicture(pictures, sizesFit, [&](auto path, const auto& readers, auto& writer) {
+    using Format = typename decltype(path)::Format;
+    const Area area = areaRule.within(readers[0].width(), readers[0].height());
+    if (area.x0 >= area.x1) return;
+    for (int32_t y = area.y0; y < area.y1; ++y) {
+      detail::filterRow<Format>(readers, area, y, writer.row(y), operation,
+                                std::make_index_sequence<Count>());
+    }
+  });
+}
+
+/// filterPictures for the operations with one source.
+template <typename AreaRule, typename RowOperation>
+HostPicture filterPicture(HostPicture picture, const AreaRule& areaRule,
+                          const RowOperation& operation) {
+  return filterPictures(Pictures<1>{picture}, AnySize(), areaRule, operation);
+}
+
+}  // namespace qrz

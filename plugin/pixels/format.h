@@ -1,0 +1,35 @@
+// The 32-bit pixel formats, read as native (little-endian) words.
+#pragma once
+
+#include <cstdint>
+
+namespace qrz {
+
+/// A pixel in memory. Rows may start at any byte address, and the host and the
+/// platform see the same memory as other types.
+typedef uint32_t PixelWord __attribute__((aligned(1), may_alias));
+
+/// Where the 8-bit channels sit in a word. The three colour channels lie side
+/// by side; the remaining byte is the pad (alpha or nothing).
+template <int RedShift, int GreenShift, int BlueShift, int PadShift>
+struct PixelFormat {
+  static constexpr uint32_t colourMask =
+      (0xFFU << RedShift) | (0xFFU << GreenShift) | (0xFFU << BlueShift);
+
+  static constexpr uint32_t red(uint32_t word) { return (word >> RedShift) & 0xFF; }
+  static constexpr uint32_t green(uint32_t word) { return (word >> GreenShift) & 0xFF; }
+  static constexpr uint32_t blue(uint32_t word) { return (word >> BlueShift) & 0xFF; }
+  static constexpr uint32_t pad(uint32_t word) { return (word >> PadShift) & 0xFF; }
+
+  /// Channels 0 to 255; the pad becomes 0.
+  static constexpr uint32_t pack(uint32_t red, uint32_t green, uint32_t blue) {
+    return (red << RedShift) | (green << GreenShift) | (blue << BlueShift);
+  }
+};
+
+/// Bytes X, R, G, B in memory order.
+using GWorldFormat = PixelFormat<8, 16, 24, 0>;
+/// Words 0x00RRGGBB.
+using RowTableFormat = PixelFormat<16, 8, 0, 24>;
+
+}  // namespace qrz

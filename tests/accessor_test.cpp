@@ -1,0 +1,323 @@
+// How the plug-in takes pictures and gives them back: the order of host and
+// platform calls, the latches, the copy of pictures that it cannot address, and
+// failures at every single call.
+
+#include <algorithm>
+
+#include "platform/standin/standin.h"
+#include "plugin/binding/description.h"
+#include "tests/support/plugin_test.h"
+
+namespace host {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+constexpr const char* kInvert = "InvertQRZ as picture";
+
+const Calls openGWorld = {
+    "lockPictureDescription", "GetGWorldPixMap", "GetPixDepth",   "LockPixels",
+    "GetPixBaseAddr",         "REALLockObject",  "GetPixRowBytes"};
+const Calls closeGWorld = {"UnlockPixels", "unlockPictureDescription", "REALUnlockObject"};
+const Calls createGWorld = {"newPicture", "lockPictureDescription", "GetGWorldPixMap",
+                            "LockPixels", "GetPixRowBytes",         "GetPixBaseAddr"};
+const Calls finishGWorld = {"unlockPictureDescription", "UnlockPixels", "REALPictureClearCache"};
+const Calls createContext = {"newPicture",
+                             "lockPictureDescription",
+                             "CGBitmapContextGetData",
+                             "CGBitmapContextGetBytesPerRow",
+                             "CGBitmapContextGetBitsPerComponent",
+                             "CGBitmapContextGetBitsPerPixel"};
+const Calls finishOther = {"unlockPictureDescription", "REALPictureClearCache"};
+const Calls refuse = {"lockPictureDescription", "unlockPictureDescription"};
+const Calls openBitmap = {"lockPictureDescription", "REALLockObject"};
+const Calls closeBitmap = {"unlockPictureDescription", "REALUnlockObject"};
+const Calls createBitmap = {"newPicture", "lockPictureDescription"};
+const Calls refuseDepth = {"lockPictureDescription", "GetGWorldPixMap", "GetPixDepth",
+                           "unlockPictureDescription"};
+const Calls makeCopy = {
+    "REALGetPropValueInt",  "REALGetPropValueInt", "newPicture",      "pluginPictureGraphicsGetter",
+    "REALLoadObjectMethod", "DrawPicture",         "REALUnlockObject"};
+const Calls dropCopy = {"REALUnlockObject"};
+
+Calls joined(std::initializer_list<Calls> parts) {
+  Calls all;
+  for (const Calls& part : parts) all.insert(all.end(), part.begin(), part.end());
+  return all;
+}
+
+class AccessorTest : public PluginTest {
+ protected:
+  static Ref<Picture> picture(Storage storage, int32_t depth = 32) {
+    auto made = Picture::create(storage, 5, 4, depth);
+    made->fill(1, 1, 3, 2, 0x104080);
+    return made;
+  }
+  static Calls callsOfInvert(const Ref<Picture>& source) {
+    return callsDuring([&] { EXPECT_TRUE(filter(kInvert, source)); });
+  }
+  static bool inverts(const Ref<Picture>& source) {
+    const auto result = filter(kInvert, source);
+    return result && result->pixel(2, 2) == 0xEFBF7F && result->pixel(0, 0) == 0;
+  }
+  /// A host whose newPicture is another function.
+  static void replaceNewPicture(Object* (*function)(int32_t, int32_t, int32_t)) {
+    runtime().replacedServices["newPicture"] = reinterpret_cast<void*>(function);
+  }
+};
+
+qrz::HostBitmap& bitmapOf(const Ref<Picture>& picture) {
+  return *static_cast<qrz::HostBitmap*>(picture->store().data());
+}
+
+// --- Order of calls ----------------------------------------------------------
+
+TEST_F(AccessorTest, CallsOnGWorlds) {
+  const auto source = picture(Storage::GWorld);
+  const Calls expected = joined({openGWorld, createGWorld, finishGWorld, closeGWorld});
+  EXPECT_EQ(callsOfInvert(source), expected);
+  EXPECT_EQ(callsOfInvert(source), expected) << "the second time";
+}
+
+TEST_F(AccessorTest, CallsOnContexts) {
+  runtime().settings.newPictures = Storage::Context;
+  EXPECT_EQ(callsOfInvert(picture(Storage::GWorld)),
+            joined({openGWorld, createContext, finishOther, closeGWorld}));
+}
+
+TEST_F(AccessorTest, CallsOnBitmaps) {
+  runtime().settings.newPictures = Storage::Bitmap;
+  const auto source = picture(Storage::Bitmap);
+  const Calls settled = joined({openBitmap, createBitmap, finishOther, closeBitmap});
+  EXPECT_EQ(callsOfInvert(source), joined({refuse, settled}));
+  EXPECT_EQ(callsOfInvert(source), settled) << "once the latch is settled";
+}
+
+TEST_F(AccessorTest, CallsOnACopy) {
+  for (const int32_t depth : {24, 16}) {
+    EXPECT_EQ(callsOfInvert(picture(Storage::GWorld, depth)),
+              joined({refuseDepth, makeCopy, openGWorld, dropCopy, createGWorld, finishGWorld,
+                      closeGWorld}));
+  }
+}
+
+TEST_F(AccessorTest, EmptyRectangleStillMakesAPicture) {
+  const Value nothing = 0;
+  const auto calls = callsDuring([&] {
+    EXPECT_TRUE(filter(
+        "InvertQRZ(left as integer,top as integer,width as integer,height as integer) as picture",
+        picture(Storage::GWorld), {nothing, nothing, nothing, nothing}));
+  });
+  EXPECT_EQ(calls, joined({openGWorld, createGWorld, finishGWorld, closeGWorld}));
+}
+
+// --- The copy of pictures that cannot be addressed ---------------------------
+
+TEST_F(AccessorTest, CopyIsMadeByTheOlderServiceIfThatIsAllThereIs) {
+  runtime().replacedServices["REALLoadObjectMethod"] = nullptr;
+  const auto source = picture(Storage::GWorld, 24);
+  EXPECT_TRUE(inverts(source));
+  EXPECT_TRUE(inverts(source));
+  // The name is looked up on every use, so taking the service away shows at
+  // once: the copy stays as white as the host makes it.
+  runtime().replacedServices["RuntimeGraphicsDrawPicture"] = nullptr;
+  EXPECT_EQ(filter(kInvert, source)->pixel(2, 2), 0U);
+}
+
+TEST_F(AccessorTest, CopyStaysUndrawnWithoutGraphics) {
+  runtime().replacedServices["pluginPictureGraphicsGetter"] = nullptr;
+  const auto result = filter(kInvert, picture(Storage::GWorld, 16));
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->pixel(2, 2), 0U);
+}
+
+TEST_F(AccessorTest, NoCopyWithoutASize) {
+  runtime().replacedServices["REALGetPropValueInt"] = nullptr;
+  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld, 24)));
+}
+
+uint32_t falseWithGarbageAbove(Object* /*object*/, const char* /*name*/, int32_t* value) {
+  *value = 4;
+  return 0xABCDEF00;
+}
+
+uint32_t anyTrueValue(Object* /*object*/, const char* /*name*/, int32_t* value) {
+  *value = 4;
+  return 0x12345680;
+}
+
+TEST_F(AccessorTest, BooleansOfTheHostAreOneByte) {
+  const auto source = picture(Storage::GWorld, 24);
+  runtime().replacedServices["REALGetPropValueInt"] =
+      reinterpret_cast<void*>(falseWithGarbageAbove);
+  EXPECT_FALSE(filter(kInvert, source));
+}
+
+TEST_F(AccessorTest, EveryNonZeroByteIsTrue) {
+  runtime().replacedServices["REALGetPropValueInt"] = reinterpret_cast<void*>(anyTrueValue);
+  EXPECT_TRUE(inverts(picture(Storage::GWorld, 24)));
+}
+
+TEST_F(AccessorTest, CopyThatCannotBeReadIsFreed) {
+  runtime().settings.newPictures = Storage::Context;
+  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld, 24)));
+  EXPECT_TRUE(inverts(picture(Storage::GWorld))) << "the latch is still open";
+}
+
+// --- Latches -----------------------------------------------------------------
+
+TEST_F(AccessorTest, FailedReadLeavesTheLatchOpen) {
+  runtime().settings.newPictures = Storage::Bitmap;
+  EXPECT_FALSE(filter(kInvert, picture(Storage::Context)));
+  EXPECT_TRUE(inverts(picture(Storage::Bitmap)));
+}
+
+TEST_F(AccessorTest, BitmapsAreRefusedOnceAGWorldWasRead) {
+  EXPECT_TRUE(inverts(picture(Storage::GWorld)));
+  EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap))); }), refuse);
+}
+
+struct Flaw {
+  const char* name;
+  void (*apply)(qrz::HostBitmap&);
+};
+
+class UnusableBitmapTest : public AccessorTest, public testing::WithParamInterface<Flaw> {};
+INSTANTIATE_TEST_SUITE_P(
+    All, UnusableBitmapTest,
+    testing::Values(Flaw{"Kind", [](qrz::HostBitmap& bitmap) { bitmap.kind = 1; }},
+                    Flaw{"NotReady", [](qrz::HostBitmap& bitmap) { bitmap.ready = 0; }},
+                    Flaw{"NoTable", [](qrz::HostBitmap& bitmap) { bitmap.rowTable = nullptr; }},
+                    Flaw{"NoLastRow",
+                         [](qrz::HostBitmap& bitmap) {
+                           bitmap.rowTable[bitmap.height - 1] = nullptr;
+                         }}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(UnusableBitmapTest, SettlesTheReaderAllTheSame) {
+  runtime().settings.newPictures = Storage::Bitmap;
+  const auto unusable = picture(Storage::Bitmap);
+  GetParam().apply(bitmapOf(unusable));
+  EXPECT_FALSE(filter(kInvert, unusable));
+  EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld))); }), refuse);
+  EXPECT_TRUE(inverts(picture(Storage::Bitmap)));
+}
+
+TEST_P(UnusableBitmapTest, SettlesTheWriterAllTheSame) {
+  runtime().settings.newPictures = Storage::Bitmap;
+  replaceNewPicture([](int32_t width, int32_t height, int32_t) -> Object* {
+    auto made = Picture::create(Storage::Bitmap, width, height);
+    GetParam().apply(bitmapOf(made));
+    return made.detach();
+  });
+  EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap)));
+  EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap)));
+}
+
+// --- New pictures that cannot be written -------------------------------------
+
+/// A bitmap context of another pixel size, or without pixels.
+class OddContext final : public PixelStore {
+ public:
+  OddContext(int32_t width, int32_t height, size_t component, size_t pixel, bool hasData)
+      : bytes_(static_cast<size_t>(width) * static_cast<size_t>(height) * 8),
+        context_(standin::newBitmapContext(hasData ? bytes_.data() : nullptr,
+                                           static_cast<size_t>(width) * 8, component, pixel)),
+        width_(width),
+        height_(height) {}
+  ~OddContext() override { standin::disposeBitmapContext(context_); }
+  [[nodiscard]] int32_t type() const override { return qrz::kBitmapContext; }
+  [[nodiscard]] void* data() override { return context_; }
+  [[nodiscard]] std::string name() const override { return "odd context"; }
+  [[nodiscard]] int32_t width() const override { return width_; }
+  [[nodiscard]] int32_t height() const override { return height_; }
+  void read(const Run& run, uint32_t* words) const override { std::fill_n(words, run.count, 0); }
+  void write(const Run& /*run*/, const uint32_t* /*words*/) override {}
+
+ private:
+  std::vector<uint8_t> bytes_;
+  CGContextRef context_;
+  int32_t width_;
+  int32_t height_;
+};
+
+template <size_t Component, size_t Pixel, bool HasData>
+Object* newOddContext(int32_t width, int32_t height, int32_t /*depth*/) {
+  return makeObject<Picture>(std::make_unique<OddContext>(width, height, Component, Pixel, HasData))
+      .detach();
+}
+
+TEST_F(AccessorTest, OddContextsAreReleased) {
+  replaceNewPicture(newOddContext<8, 24, true>);
+  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
+  EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld))); }),
+            joined({openGWorld,
+                    {createContext.begin() + 1, createContext.end()},
+                    {"unlockPictureDescription", "REALUnlockObject"},
+                    closeGWorld}));
+}
+
+TEST_F(AccessorTest, ContextsOfWideComponentsAreReleased) {
+  replaceNewPicture(newOddContext<16, 32, true>);
+  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
+}
+
+TEST_F(AccessorTest, ContextsWithoutPixelsAreReleased) {
+  replaceNewPicture(newOddContext<8, 32, false>);
+  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
+}
+
+TEST_F(AccessorTest, NewPicturesOfUnknownKindAreReleased) {
+  replaceNewPicture([](int32_t, int32_t, int32_t) -> Object* {
+    Handle data = standin::newHandle(10);
+    return makeObject<Picture>(pictStore(data)).detach();
+  });
+  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
+}
+
+// --- Every call fails once ---------------------------------------------------
+
+int32_t callsToGo = 0;
+bool failsForGood = false;
+
+/// Fails the call at which the count runs out, and all later ones if wanted.
+bool failInTurn(const char* /*call*/) {
+  --callsToGo;
+  return callsToGo > 0 || (callsToGo < 0 && !failsForGood);
+}
+
+class FailureTest : public RepresentationTest {};
+QRZ_ALL_REPRESENTATIONS(FailureTest);
+
+TEST_P(FailureTest, LeavesNothingLockedAndNoReference) {
+  const auto source = randomPicture(7, 5);
+  const auto before = source->pixels();
+  const Class* lutClass = runtime().registry.findClass("PictureLut3DQRZ");
+  const Value made = lutClass->constructors.front().call(nullptr, {});
+  Object* lut = objectOf(made);
+  assign("PictureLut3DQRZ", "SourcePicture as Picture", lut, {}, objectValue(source));
+  for (const bool forGood : {true, false}) {
+    bool reached = true;
+    for (int32_t k = 1; reached; ++k) {
+      ASSERT_LT(k, 500) << "the call never completes";
+      callsToGo = k;
+      failsForGood = forGood;
+      runtime().setCallHook(failInTurn);
+      const auto result = filter(kInvert, source);
+      const Value ran = call("PictureLut3DQRZ", "Run as boolean", lut);
+      runtime().setCallHook(nullptr);
+      reached = callsToGo <= 0;
+      EXPECT_EQ(source->references(), 2) << "call " << k;
+      EXPECT_EQ(source->locks(), 0) << "call " << k;
+      EXPECT_TRUE(samePixels(*source, before)) << "call " << k;
+      EXPECT_EQ(standin::counts().pixelLocks, 0) << "call " << k;
+      // The source, the instance, its result and the result above; no more.
+      const bool hasResult = std::get<bool>(ran);
+      EXPECT_EQ(Object::living().size(), 2U + (result ? 1 : 0) + (hasResult ? 1 : 0));
+    }
+    EXPECT_TRUE(filter(kInvert, source)) << "it works the next time";
+  }
+}
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,178 @@
+// Host helpers that operations share and no registered member shows alone yet:
+// strings, exceptions, properties, copies by row. The plug-in's own objects are
+// linked into this program, with the headless host behind them.
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "host/core/picture.h"
+#include "host/core/runtime.h"
+#include "host/core/string_record.h"
+#include "plugin/binding/exceptions.h"
+#include "plugin/binding/properties.h"
+#include "plugin/binding/services.h"
+#include "plugin/binding/strings.h"
+#include "plugin/pixels/copy.h"
+
+namespace host {
+namespace {
+
+class BindingTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (runtime().registry.classes().empty()) addBuiltInClasses(runtime().registry);
+    qrz::resolver = resolveService;
+  }
+  void TearDown() override {
+    for (const std::string& leak : runtime().findLeaks()) ADD_FAILURE() << leak;
+  }
+};
+
+struct Text {
+  std::string bytes;
+  int32_t encoding;
+};
+
+Text made(std::string_view bytes, int32_t encoding) {
+  auto* string = reinterpret_cast<StringRecord*>(
+      qrz::MakeHostString(bytes.data(), static_cast<int32_t>(bytes.size()), encoding));
+  if (string == nullptr) return {"nil", 0};
+  const Text text{std::string(string->text()), string->encoding};
+  EXPECT_EQ(string->references, 1);
+  releaseString(string);
+  return text;
+}
+
+TEST_F(BindingTest, StringsKeepTheirBytesUnlessTheyAreWide) {
+  using namespace std::string_view_literals;
+  EXPECT_EQ(made("\0\xFFxy"sv, qrz::kRawBytes).bytes, "\0\xFFxy"sv);
+  EXPECT_EQ(made("abc", qrz::kASCII).encoding, qrz::kASCII);
+  const Text wide = made("h\0\xE9\0\x3D\xD8\x00\xDE\x00\xD8"sv, qrz::kUTF16);
+  EXPECT_EQ(wide.bytes, "h\xC3\xA9\xF0\x9F\x98\x80\xEF\xBF\xBD");
+  EXPECT_EQ(wide.encoding, qrz::kUTF8);
+  EXPECT_EQ(made("\xAC\x20\0\0"sv, qrz::kUTF32).bytes, "\xE2\x82\xAC");
+  EXPECT_EQ(made("", qrz::kASCII).bytes, "nil");
+  EXPECT_EQ(qrz::MakeHostString(nullptr, 3, qrz::kASCII), nullptr);
+}
+
+TEST_F(BindingTest, FailedConversionFreesTheString) {
+  runtime().setCallHook(
+      [](const char* call) { return std::string_view(call) != "REALConvertString"; });
+  EXPECT_EQ(made("ab", qrz::kUTF16).bytes, "nil");
+  runtime().setCallHook(
+      [](const char* call) { return std::string_view(call) != "REALBuildString"; });
+  EXPECT_EQ(made("ab", qrz::kASCII).bytes, "nil");
+  runtime().setCallHook(nullptr);
+}
+
+std::string raised() {
+  try {
+    runtime().deliverPendingException();
+  } catch (const RaisedException& exception) {
+    const auto& object = dynamic_cast<const ExceptionObject&>(*exception.instance);
+    EXPECT_EQ(object.references(), 1);
+    return object.className() + ": " + object.message;
+  }
+  return "nothing";
+}
+
+std::vector<std::string> events;
+
+TEST_F(BindingTest, ExceptionsCarryTheirMessage) {
+  qrz::RaiseNilObjectException("The channel picture is nil.");
+  EXPECT_EQ(raised(), "NilObjectException: The channel picture is nil.");
+  qrz::RaiseHostException("OutOfBoundsException", nullptr);
+  EXPECT_EQ(raised(), "OutOfBoundsException: ");
+  qrz::RaiseHostException("OutOfBoundsException", "");
+  EXPECT_EQ(raised(), "OutOfBoundsException: ");
+  qrz::RaiseHostException("NoSuchClass", "message");
+  EXPECT_EQ(raised(), "nothing");
+
+  runtime().setCallHook([](const char* call) {
+    if (!std::string_view(call).starts_with("resolve ")) events.emplace_back(call);
+    return true;
+  });
+  qrz::RaiseNilObjectException("x");
+  runtime().setCallHook(nullptr);
+  EXPECT_EQ(events, (std::vector<std::string>{"PluginNewInstance", "REALBuildString",
+                                              "REALSetStringEncoding", "RuntimeRaiseException",
+                                              "REALSetPropValueString", "REALUnlockString"}));
+  EXPECT_EQ(raised(), "NilObjectException: x");
+}
+
+TEST_F(BindingTest, IntegerProperties) {
+  const auto picture = Picture::create(Storage::GWorld, 7, 9);
+  const auto graphics = makeObject<Graphics>(picture);
+  auto* pictureHandle = reinterpret_cast<qrz::HostObject>(picture.get());
+  auto* graphicsHandle = reinterpret_cast<qrz::HostObject>(graphics.get());
+  EXPECT_EQ(qrz::GetWidthProperty(pictureHandle), 7);
+  EXPECT_EQ(qrz::GetHeightProperty(pictureHandle), 9);
+  EXPECT_EQ(qrz::GetWidthProperty(nullptr), 0);
+  const auto other = makeObject<ExceptionObject>("SomeException");
+  EXPECT_EQ(qrz::GetHeightProperty(reinterpret_cast<qrz::HostObject>(other.get())), 0);
+  EXPECT_EQ(qrz::SetForeColorProperty(graphicsHandle, 0x123456), 1);
+  EXPECT_EQ(qrz::SetPenWidthProperty(graphicsHandle, 5), 1);
+  EXPECT_EQ(qrz::SetPenHeightProperty(graphicsHandle, 6), 1);
+  EXPECT_EQ(picture->pen.color, 0x123456U);
+  EXPECT_EQ(picture->pen.width, 5);
+  EXPECT_EQ(picture->pen.height, 6);
+  EXPECT_EQ(qrz::SetPenWidthProperty(pictureHandle, 5), 0);
+}
+
+// --- Copies by row -----------------------------------------------------------
+
+Ref<Picture> striped(Storage storage, int32_t width, int32_t height, uint32_t seed) {
+  auto picture = Picture::create(storage, width, height);
+  std::vector<uint32_t> words(static_cast<size_t>(width) * static_cast<size_t>(height));
+  for (size_t i = 0; i < words.size(); ++i) words[i] = seed + static_cast<uint32_t>(i) * 0x01234567;
+  picture->setPixels(words);
+  return picture;
+}
+
+bool copyRows(const Ref<Picture>& to, const Ref<Picture>& from, const qrz::DrawGeometry& geometry) {
+  return qrz::CopyRows(reinterpret_cast<qrz::HostPicture>(to.get()),
+                       reinterpret_cast<qrz::HostPicture>(from.get()), geometry);
+}
+
+TEST_F(BindingTest, CopyRowsCopiesWholeBitmapsOnly) {
+  const auto source = striped(Storage::Bitmap, 5, 3, 1);
+  const auto destination = striped(Storage::Bitmap, 5, 3, 77);
+  const auto before = destination->pixels();
+  const qrz::DrawGeometry whole{0, 0, 5, 3, 0, 0, 5, 3};
+  for (int field = 0; field < 8; ++field) {
+    std::array<int32_t, 8> numbers = {0, 0, 5, 3, 0, 0, 5, 3};
+    numbers.at(static_cast<size_t>(field)) += 1;
+    const auto& n = numbers;
+    EXPECT_FALSE(copyRows(destination, source, {n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7]}));
+  }
+  EXPECT_FALSE(copyRows(destination, nullptr, whole));
+  EXPECT_FALSE(copyRows(nullptr, source, whole));
+  EXPECT_FALSE(copyRows(destination, striped(Storage::Bitmap, 5, 4, 1), whole));
+  EXPECT_FALSE(copyRows(destination, striped(Storage::GWorld, 5, 3, 1), whole));
+  EXPECT_FALSE(copyRows(striped(Storage::GWorld, 5, 3, 1), source, whole));
+  const auto unusable = striped(Storage::Bitmap, 5, 3, 1);
+  static_cast<qrz::HostBitmap*>(unusable->store().data())->kind = 1;
+  EXPECT_FALSE(copyRows(destination, unusable, whole));
+  EXPECT_EQ(destination->pixels(), before);
+
+  EXPECT_TRUE(copyRows(destination, source, whole));
+  EXPECT_EQ(destination->pixels(), source->pixels());
+}
+
+TEST_F(BindingTest, DrawingFallsBackToCopyingRows) {
+  const auto source = striped(Storage::Bitmap, 4, 4, 9);
+  const auto destination = striped(Storage::Bitmap, 4, 4, 3);
+  const auto graphics = makeObject<Graphics>(destination);
+  runtime().replacedServices["REALLoadObjectMethod"] = nullptr;
+  runtime().replacedServices["RuntimeGraphicsDrawPicture"] = nullptr;
+  EXPECT_TRUE(qrz::DrawPictureInto(reinterpret_cast<qrz::HostGraphics>(graphics.get()),
+                                   reinterpret_cast<qrz::HostPicture>(destination.get()),
+                                   reinterpret_cast<qrz::HostPicture>(source.get()),
+                                   {0, 0, 4, 4, 0, 0, 4, 4}));
+  EXPECT_EQ(destination->pixels(), source->pixels());
+  runtime().replacedServices.clear();
+}
+
+}  // namespace
+}  // namespace host

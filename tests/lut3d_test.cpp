@@ -1,0 +1,262 @@
+// The class PictureLut3DQRZ: its table, its pictures and Run, on every
+// representation.
+
+#include <array>
+#include <climits>
+#include <cmath>
+#include <limits>
+
+#include "tests/support/plugin_test.h"
+
+namespace host {
+namespace {
+
+constexpr const char* kClass = "PictureLut3DQRZ";
+constexpr const char* kTable =
+    "Table(r as integer, g as integer, b as integer, x as integer) as double";
+
+/// The table as the test filled it, [r][g][b][x].
+using Table = std::array<std::array<std::array<std::array<double, 3>, 18>, 18>, 18>;
+
+double identity(int32_t r, int32_t g, int32_t b, int32_t x) {
+  return 17.0 * (x == 0 ? r : x == 1 ? g : b);
+}
+
+/// Plain interpolation of one pixel, straight from the definition.
+class Reference {
+ public:
+  explicit Reference(const Table& table) : table_(table) {}
+
+  uint32_t operator()(uint32_t rgb) const {
+    int32_t low[3];
+    int32_t high[3];
+    double f[3];
+    for (int axis = 0; axis < 3; ++axis) {
+      const auto level = static_cast<int32_t>(rgb >> (16 - 8 * axis) & 0xFF);
+      low[axis] = level / 17;
+      high[axis] = low[axis] + 1 < 16 ? low[axis] + 1 : 15;
+      f[axis] = (level - 17 * low[axis]) / 17.0;
+    }
+    const std::array<int, 3> order = orderOf(f[0], f[1], f[2]);
+    int32_t point[3] = {low[0], low[1], low[2]};
+    const std::array<double, 4> weights = {1 - f[order[0]], f[order[0]] - f[order[1]],
+                                           f[order[1]] - f[order[2]], f[order[2]]};
+    std::array<double, 3> out{};
+    for (size_t i = 0; i < 4; ++i) {
+      if (i > 0) point[order[i - 1]] = high[order[i - 1]];
+      for (size_t x = 0; x < 3; ++x) {
+        const double product = weights[i] * at(point)[x];
+        out[x] = i == 0 ? product : out[x] + product;
+      }
+    }
+    return toByte(out[0]) << 16 | toByte(out[1]) << 8 | toByte(out[2]);
+  }
+
+ private:
+  static std::array<int, 3> orderOf(double r, double g, double b) {
+    if (r > g) {
+      if (g > b) return {0, 1, 2};
+      if (r > b) return {0, 2, 1};
+      return {2, 0, 1};
+    }
+    if (b > g) return {2, 1, 0};
+    if (b > r) return {1, 2, 0};
+    return {1, 0, 2};
+  }
+  [[nodiscard]] const std::array<double, 3>& at(const int32_t (&p)[3]) const {
+    return table_[static_cast<size_t>(p[0])][static_cast<size_t>(p[1])][static_cast<size_t>(p[2])];
+  }
+  static uint32_t toByte(double out) {
+    if (std::isnan(out) || out < 0) return 0;
+    return out > 255 ? 255 : static_cast<uint32_t>(out);
+  }
+
+  const Table& table_;
+};
+
+class Lut3DTest : public RepresentationTest {
+ protected:
+  void SetUp() override {
+    RepresentationTest::SetUp();
+    if (IsSkipped()) return;
+    const Class* found = runtime().registry.findClass(kClass);
+    const Value made = found->constructors.front().call(nullptr, {});
+    lut = Ref<Object>::share(objectOf(made));
+  }
+  void TearDown() override {
+    lut = nullptr;
+    RepresentationTest::TearDown();
+  }
+
+  Value get(const char* property) { return call(kClass, property, lut.get()); }
+  void set(const char* property, const Value& value) {
+    assign(kClass, property, lut.get(), {}, value);
+  }
+  bool run() { return std::get<bool>(call(kClass, "Run as boolean", lut.get())); }
+  double table(int32_t r, int32_t g, int32_t b, int32_t x) {
+    return std::get<double>(call(kClass, kTable, lut.get(), {r, g, b, x}));
+  }
+  void setTable(int32_t r, int32_t g, int32_t b, int32_t x, double value) {
+    assign(kClass, kTable, lut.get(), {r, g, b, x}, value);
+  }
+  template <typename Formula>
+  void fill(const Formula& formula) {
+    for (int32_t r = 0; r < 18; ++r) {
+      for (int32_t g = 0; g < 18; ++g) {
+        for (int32_t b = 0; b < 18; ++b) {
+          for (int32_t x = 0; x < 3; ++x) {
+            const double value = formula(r, g, b, x);
+            values[static_cast<size_t>(r)][static_cast<size_t>(g)][static_cast<size_t>(b)]
+                  [static_cast<size_t>(x)] = value;
+            setTable(r, g, b, x, value);
+          }
+        }
+      }
+    }
+  }
+  Ref<Picture> destination() {
+    return Ref<Picture>::share(objectAs<Picture>(get("DestinationPicture as Picture")));
+  }
+  /// Runs on the picture with a region and compares everything.
+  void expectRun(const Ref<Picture>& source, int32_t minX, int32_t minY, int32_t maxX,
+                 int32_t maxY) {
+    set("SourcePicture as Picture", objectValue(source));
+    set("MinX as Integer", minX);
+    set("MinY as Integer", minY);
+    set("MaxX as Integer", maxX);
+    set("MaxY as Integer", maxY);
+    ASSERT_TRUE(run());
+    const int32_t xEnd = maxX > minX && maxX < source->width() ? maxX : source->width();
+    const int32_t yEnd = maxY > minY && maxY < source->height() ? maxY : source->height();
+    const auto inside = [&](int32_t x, int32_t y) {
+      return x >= minX && x < xEnd && y >= minY && y < yEnd;
+    };
+    EXPECT_TRUE(samePixels(*destination(), expectedPixels(*source, inside, Reference(values))))
+        << minX << ", " << minY << " to " << maxX << ", " << maxY;
+  }
+
+  Ref<Object> lut;
+  Table values{};
+};
+QRZ_ALL_REPRESENTATIONS(Lut3DTest);
+
+TEST_P(Lut3DTest, TableKeepsWhatIsInRangeAndNothingElse) {
+  setTable(17, 17, 17, 2, 0.25);
+  setTable(1, 2, 3, 0, -1e300);
+  setTable(1, 2, 3, 1, 7);
+  setTable(1, 3, 2, 0, 8);
+  for (const auto& index : std::vector<std::array<int32_t, 4>>{{18, 0, 0, 0},
+                                                               {0, 18, 0, 0},
+                                                               {0, 0, 18, 0},
+                                                               {0, 0, 0, 3},
+                                                               {-1, 0, 0, 0},
+                                                               {0, 0, 0, -1},
+                                                               {INT_MIN, 1, 1, 1},
+                                                               {1, INT_MAX, 1, 1}}) {
+    setTable(index[0], index[1], index[2], index[3], 99);
+    EXPECT_EQ(table(index[0], index[1], index[2], index[3]), 0.0);
+  }
+  int filled = 0;
+  for (int32_t i = 0; i < 18 * 18 * 18 * 3; ++i) {
+    filled += table(i / 972, i / 54 % 18, i / 3 % 18, i % 3) != 0.0 ? 1 : 0;
+  }
+  EXPECT_EQ(filled, 4);
+  EXPECT_EQ(table(17, 17, 17, 2), 0.25);
+  EXPECT_EQ(table(1, 2, 3, 0), -1e300);
+  EXPECT_EQ(table(1, 2, 3, 1), 7);
+  EXPECT_EQ(table(1, 3, 2, 0), 8);
+}
+
+TEST_P(Lut3DTest, IdentityTableOnWorkedColours) {
+  fill(identity);
+  const auto source = emptyPicture(3, 2);
+  source->setPixels({0x12000039, 0x00646464, 0x00FFFFFF, 0, 0x00646464, 0xFF000039});
+  expectRun(source, 0, 0, 0, 0);
+  if (GetParam().depth == 16) return;  // which cannot hold these colours
+  EXPECT_TRUE(samePixels(*destination(), {56, 0x646464, 0xFFFFFF, 0, 0x646464, 56}));
+}
+
+TEST_P(Lut3DTest, RandomTablesOnAllWidths) {
+  std::uniform_real_distribution<double> level(-60, 320);
+  fill([&](int32_t, int32_t, int32_t, int32_t) { return level(random); });
+  for (int32_t width = 1; width <= 70; ++width) expectRun(randomPicture(width, 3), 0, 0, 0, 0);
+  expectRun(randomPicture(300, 200), 0, 0, 0, 0);
+}
+
+TEST_P(Lut3DTest, TablesWithExtremeElements) {
+  const std::vector<double> extremes = {NAN,
+                                        INFINITY,
+                                        -INFINITY,
+                                        std::numeric_limits<double>::max(),
+                                        std::numeric_limits<double>::lowest(),
+                                        std::numeric_limits<double>::denorm_min(),
+                                        -0.0,
+                                        254.99999999999997,
+                                        255.00000000000003};
+  fill([&](int32_t r, int32_t g, int32_t b, int32_t x) {
+    return random() % 20 == 0 ? extremes[random() % extremes.size()] : identity(r, g, b, x);
+  });
+  expectRun(randomPicture(211, 60), 0, 0, 0, 0);
+  for (const double everywhere : {0.0, 300.0, -5.0, static_cast<double>(NAN)}) {
+    fill([&](int32_t, int32_t, int32_t, int32_t) { return everywhere; });
+    expectRun(randomPicture(19, 5), 0, 0, 0, 0);
+  }
+}
+
+TEST_P(Lut3DTest, RegionsInsideAcrossAndOutside) {
+  fill([](int32_t r, int32_t g, int32_t b, int32_t x) { return 255 - identity(r, g, b, x); });
+  const auto source = randomPicture(41, 13);
+  const std::vector<int32_t> edges = {INT_MIN, -50, -3, 0, 1, 5, 12, 13, 40, 41, 42, INT_MAX};
+  std::uniform_int_distribution<size_t> pick(0, edges.size() - 1);
+  for (int i = 0; i < 300; ++i) {
+    expectRun(source, edges[pick(random)], edges[pick(random)], edges[pick(random)],
+              edges[pick(random)]);
+  }
+  expectRun(source, 10, 5, 20, 8);
+  expectRun(source, 0, 0, 500, 500);
+}
+
+TEST_P(Lut3DTest, PicturesChangeHandsWithTheirReferences) {
+  EXPECT_FALSE(run()) << "without a source";
+  const auto source = randomPicture(8, 8);
+  set("SourcePicture as Picture", objectValue(source));
+  EXPECT_EQ(source->references(), 2);
+  ASSERT_TRUE(run());
+  const auto first = destination();
+  EXPECT_EQ(first->references(), 2);
+  ASSERT_TRUE(run());
+  EXPECT_EQ(first->references(), 1) << "the instance still holds the first result";
+  EXPECT_NE(destination().get(), first.get());
+
+  set("SourcePicture as Picture", Nil{});
+  EXPECT_EQ(source->references(), 1);
+  EXPECT_FALSE(run());
+  EXPECT_FALSE(destination()) << "a failed Run leaves no result";
+
+  set("SourcePicture as Picture", objectValue(source));
+  ASSERT_TRUE(run());
+  set("MaxX as Integer", 5);
+  setTable(3, 3, 3, 0, 1.5);
+  call(kClass, "Close", lut.get());
+  call(kClass, "Close", lut.get());
+  EXPECT_EQ(source->references(), 1);
+  EXPECT_TRUE(std::holds_alternative<Nil>(get("SourcePicture as Picture")));
+  EXPECT_FALSE(destination());
+  EXPECT_EQ(std::get<int32_t>(get("MaxX as Integer")), 5);
+  EXPECT_EQ(table(3, 3, 3, 0), 1.5);
+  set("SourcePicture as Picture", objectValue(source));
+  EXPECT_TRUE(run()) << "the instance works after Close";
+}
+
+TEST_P(Lut3DTest, PropertiesAreTheFieldsOfTheirNames) {
+  const char* const names[] = {"MaxX as Integer", "MinX as Integer", "MaxY as Integer",
+                               "MinY as Integer"};
+  int32_t value = INT_MIN;
+  for (const char* name : names) set(name, value++);
+  value = INT_MIN;
+  for (const char* name : names) EXPECT_EQ(std::get<int32_t>(get(name)), value++) << name;
+  EXPECT_EQ(table(0, 0, 0, 0), 0.0) << "a property reached into the table";
+}
+
+}  // namespace
+}  // namespace host

@@ -38,7 +38,7 @@ Text made(std::string_view bytes, int32_t encoding) {
   auto* string = reinterpret_cast<StringRecord*>(
       qrz::MakeHostString(bytes.data(), static_cast<int32_t>(bytes.size()), encoding));
   if (string == nullptr) return {"nil", 0};
-  const Text text{std::string(string->text()), string->encoding};
+  Text text{std::string(string->text()), string->encoding};
   EXPECT_EQ(string->references, 1);
   releaseString(string);
   return text;

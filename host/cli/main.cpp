@@ -35,17 +35,33 @@ struct CommandLine {
   std::vector<std::string> files, arguments;
 };
 
-/// Adds the options that every command takes.
-void addGeneralOptions(CLI::App& app, CommandLine& line) {
+void setPictures(const std::string& mode) {
   static const std::map<std::string, Storage> modes{
       {"gworld", Storage::GWorld}, {"context", Storage::Context}, {"bitmap", Storage::Bitmap}};
+  const auto found = modes.find(mode);
+  if (found == modes.end()) {
+    throw CLI::ValidationError("--pictures is gworld, context or bitmap, not '" + mode + "'");
+  }
+  runtime().settings.newPictures = found->second;
+}
+
+/// Adds the options that every command takes.
+void addGeneralOptions(CLI::App& app, CommandLine& line) {
   app.add_option("--plugin", line.plugin, "Another build of the plug-in");
-  app.add_option("--pictures", runtime().settings.newPictures,
-                 "What new pictures are: gworld, context or bitmap")
-      ->transform(CLI::CheckedTransformer(modes, CLI::ignore_case).description("MODE"));
+  app.add_option_function<std::string>("--pictures", setPictures,
+                                       "What new pictures are: gworld, context or bitmap");
   app.add_option("--host-version", runtime().settings.version,
                  "The host's version as the plug-in sees it, for instance 2010.029");
   app.add_flag("--check", line.check, "Fail if objects are still alive or locked at the end");
+}
+
+/// One line for a command line that cannot be understood.
+std::string usageMessage(const CLI::App* app, const CLI::Error& error) {
+  std::string problem = error.what();
+  if (app->get_subcommands().empty() && problem.find("subcommand") != std::string::npos) {
+    problem = "name a command: apply, run, members or gallery";
+  }
+  return "qrz: " + problem + "; `qrz --help` shows the usage\n";
 }
 
 int runCommand(const CLI::App& app, const CommandLine& line) {
@@ -83,9 +99,7 @@ int run(int argc, char** argv) {
   CLI::App app("Uses the picture plug-in from a terminal.", "qrz");
   app.require_subcommand(1);
   app.fallthrough();
-  app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return std::string("qrz: ") + error.what() + "; `qrz --help` shows the usage\n";
-  });
+  app.failure_message(usageMessage);
   addGeneralOptions(app, line);
   addCommands(app, line);
   try {

@@ -78,8 +78,9 @@ int complainAboutUnknown(const std::string& name, const std::vector<Section>& se
     names.push_back(section.name);
     for (const Member* member : section.members) names.push_back(member->declaration.name);
   }
-  complain("no member or class is named '" + name + "'" + suggestion(name, names) +
-           "; `qrz members` lists all");
+  const std::string nearest = suggestion(name, names);
+  complain("no member or class is named '" + name + "'" +
+           (nearest.empty() ? "; `qrz members` lists all" : nearest));
   return kFailed;
 }
 

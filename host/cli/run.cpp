@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -9,12 +10,13 @@
 namespace host {
 
 int runScript(const std::string& path, const std::vector<std::string>& arguments) {
+  std::error_code unknown;
   std::ifstream file(path, std::ios::binary);
-  const std::string source{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file) {
+  if (!file || std::filesystem::is_directory(path, unknown)) {
     complain(path + ": cannot read this script; name a text file in the host's language");
     return kFailed;
   }
+  const std::string source{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   try {
     Interpreter interpreter(runtime().registry, std::cout);
     interpreter.setInterruptFlag(interruptFlag());

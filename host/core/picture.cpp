@@ -182,7 +182,7 @@ void drawLine(Picture& picture, int32_t x1, int32_t y1, int32_t x2, int32_t y2) 
   const Pen& pen = picture.pen;
   const int64_t dx = static_cast<int64_t>(x2) - x1;
   const int64_t dy = static_cast<int64_t>(y2) - y1;
-  const int64_t steps = std::max<int64_t>({std::abs(dx), std::abs(dy), 1});
+  const auto steps = std::max<int64_t>({std::abs(dx), std::abs(dy), 1});
   // The longer axis advances by one pixel a step, the other by the rounded share.
   const auto at = [steps](int32_t start, int64_t distance, int64_t i) {
     const double share = static_cast<double>(distance) * static_cast<double>(i);

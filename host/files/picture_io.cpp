@@ -1,5 +1,6 @@
 #include "host/files/picture_io.h"
 
+#include <cstdio>
 #include <new>
 
 #include "host/core/exception.h"
@@ -17,11 +18,27 @@ constexpr int32_t kSampleHeight = 320;
 /// The level as a grey pixel.
 uint32_t grey(uint32_t level) { return level << 16 | level << 8 | level; }
 
+/// The size after an '@' in the path, such as 4000x3000, cut off the name.
+void takeSize(const std::string& path, std::string& name, int32_t& width, int32_t& height) {
+  const size_t at = name.find('@');
+  if (at == std::string::npos) return;
+  int end = 0;
+  const std::string size = name.substr(at + 1);
+  const int read = sscanf(size.c_str(), "%5dx%5d%n", &width, &height, &end);
+  if (read != 2 || static_cast<size_t>(end) != size.size() || width < 1 || height < 1) {
+    throw ImageError(path + ": the size after '@' is width x height in pixels, such as 640x480");
+  }
+  name.resize(at);
+}
+
 Image drawSample(const std::string& path) {
-  const std::string_view name = std::string_view(path).substr(kSamplePrefix.size());
+  std::string name = path.substr(kSamplePrefix.size());
+  int32_t width = kSampleWidth;
+  int32_t height = kSampleHeight;
+  takeSize(path, name, width, height);
   std::string known;
   for (const Sample& sample : samples()) {
-    if (sample.name == name) return sample.draw(kSampleWidth, kSampleHeight);
+    if (sample.name == name) return sample.draw(width, height);
     known += (known.empty() ? "" : ", ") + std::string(sample.name);
   }
   throw ImageError(path + ": no such sample picture; there are " + known);

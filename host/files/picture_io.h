@@ -16,7 +16,8 @@ Image imageOf(const Picture& picture);
 Ref<Picture> pictureOf(const Image& image);
 
 /// Opens a picture file, or draws the built-in sample picture of a name such as
-/// "sample:landscape". Raises an IOException with one clear line.
+/// "sample:landscape" or, in another size, "sample:landscape@4000x3000". Raises an IOException with
+/// one clear line.
 Ref<Picture> openPicture(const std::string& path);
 
 /// Writes a picture file of the kind that the extension names. Raises an

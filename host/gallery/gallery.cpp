@@ -37,6 +37,22 @@ void checkAllMembers() {
   checkMembers("", registry.globals());
 }
 
+/// What a reader copies: of a single line the expression alone, which also
+/// works on the command line.
+std::string shownProgram(std::string_view program) {
+  constexpr std::string_view assignment = "result = ";
+  const bool isOneLine = program.find('\n') == std::string_view::npos;
+  if (isOneLine && program.starts_with(assignment)) program.remove_prefix(assignment.size());
+  return std::string(program);
+}
+
+/// Members of the plug-in's own classes are named with their class.
+std::string shownName(const Recipe& recipe) {
+  const Class* owner = runtime().registry.findClass(recipe.className);
+  const std::string name = parseDeclaration(recipe.declaration).name;
+  return owner != nullptr && owner->isRegistered ? owner->name + "." + name : name;
+}
+
 GalleryEntry entryFor(const Recipe& recipe) {
   GalleryEntry entry;
   std::ostringstream output;
@@ -49,8 +65,8 @@ GalleryEntry entryFor(const Recipe& recipe) {
   const Value result = interpreter.evaluate("result", "result");
 
   entry.declaration = recipe.declaration;
-  entry.member = parseDeclaration(recipe.declaration).name;
-  entry.expression = recipe.program;
+  entry.member = shownName(recipe);
+  entry.expression = shownProgram(recipe.program);
   entry.note = recipe.note;
   if (const auto* picture = objectAs<Picture>(result)) {
     entry.after = imageOf(*picture);

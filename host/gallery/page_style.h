@@ -59,7 +59,7 @@ code { font-size: 0.9rem; overflow-wrap: anywhere; white-space: pre-wrap; }
 figure { margin: 0; min-width: 0; }
 figcaption { margin-bottom: 0.4rem; color: var(--soft); font-size: 0.9rem; }
 img {
-  display: block; max-width: 100%; height: auto; border-radius: 6px;
+  display: block; max-width: 100%; height: auto; border-radius: 6px; outline: 1px solid var(--line);
   background: repeating-conic-gradient(var(--checker) 0 25%, var(--checker-ground) 0 50%)
     0 0 / 20px 20px;
 }

@@ -186,7 +186,7 @@ void drawLine(Picture& picture, int32_t x1, int32_t y1, int32_t x2, int32_t y2) 
   // The longer axis advances by one pixel a step, the other by the rounded share.
   const auto at = [steps](int32_t start, int64_t distance, int64_t i) {
     const double share = static_cast<double>(distance) * static_cast<double>(i);
-    return static_cast<int32_t>(start + std::lround(share / static_cast<double>(steps)));
+    return static_cast<int32_t>(start + std::llround(share / static_cast<double>(steps)));
   };
   const Steps visible = std::abs(dx) >= std::abs(dy)
                             ? visibleSteps(x1, dx > 0, steps, picture.width(), pen.width)

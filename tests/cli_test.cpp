@@ -1,0 +1,210 @@
+// qrz as its users run it: commands, messages, exit statuses, files.
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "host/files/image_file.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+  int status;
+  std::string output;  ///< standard output and error
+};
+
+Outcome qrz(const std::string& arguments) {
+  const std::string command = QRZ_BUILD_FOLDER "/qrz " + arguments + " 2>&1 </dev/null";
+  FILE* pipe = popen(command.c_str(), "r");
+  Outcome outcome{-1, {}};
+  std::array<char, 4096> buffer{};
+  while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
+    outcome.output.append(buffer.data(), count);
+  }
+  const int status = pclose(pipe);
+  if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
+  return outcome;
+}
+
+/// A test with a folder of its own, which is gone afterwards.
+class CliTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = (fs::temp_directory_path() / "qrz-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder = name;
+  }
+  void TearDown() override { fs::remove_all(folder); }
+
+  [[nodiscard]] std::string path(const std::string& name) const { return folder + "/" + name; }
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(path(name), std::ios::binary) << text;
+  }
+  [[nodiscard]] std::set<std::string> files() const {
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      names.insert(entry.path().filename().string());
+    }
+    return names;
+  }
+  /// Expects the status and one line of exactly this text.
+  void expectLine(const std::string& arguments, int status, const std::string& line) const {
+    const Outcome outcome = qrz(arguments);
+    EXPECT_EQ(outcome.status, status) << arguments;
+    EXPECT_EQ(outcome.output, line + "\n") << arguments;
+  }
+  /// A small picture with alpha, as a file.
+  [[nodiscard]] Image writeSample(const std::string& name) const {
+    Image image{
+        3, 2, true, {0x00112233, 0x80FF0000, 0xFF00FF00, 0x010000FF, 0xFE808080, 0x7FFFFFFF}};
+    writeImage(path(name), image);
+    return image;
+  }
+
+  std::string folder;
+};
+
+TEST_F(CliTest, ApplyWritesTheInvertedPictureInEveryMode) {
+  const Image source = writeSample("in.png");
+  for (const char* mode : {"gworld", "context", "bitmap"}) {
+    const Outcome outcome =
+        qrz("--check --pictures " + std::string(mode) + " apply self.InvertQRZ " + path("in.png") +
+            " -o " + path("out.png"));
+    EXPECT_EQ(outcome.output, "") << mode;
+    ASSERT_EQ(outcome.status, 0) << mode;
+    const Image result = readImage(path("out.png"));
+    ASSERT_EQ(result.pixels.size(), source.pixels.size());
+    for (size_t i = 0; i < source.pixels.size(); ++i) {
+      EXPECT_EQ(result.pixels[i], ~source.pixels[i] & 0x00FFFFFF) << mode << " pixel " << i;
+    }
+  }
+  EXPECT_EQ(files(), (std::set<std::string>{"in.png", "out.png"}));
+}
+
+TEST_F(CliTest, AlphaIsTheMaskAndComesBack) {
+  const Image source = writeSample("in.tga");
+  EXPECT_EQ(qrz("apply self " + path("in.tga") + " -o " + path("copy.png")).status, 0);
+  EXPECT_EQ(readImage(path("copy.png")).pixels, source.pixels);
+  EXPECT_EQ(qrz("apply self.Mask " + path("in.tga") + " -o " + path("mask.bmp")).status, 0);
+  const Image mask = readImage(path("mask.bmp"));
+  for (size_t i = 0; i < source.pixels.size(); ++i) {
+    EXPECT_EQ(mask.pixels[i], (source.pixels[i] >> 24) * 0x010101) << i;
+  }
+}
+
+TEST_F(CliTest, ApplyToSeveralFilesGoesOnAfterABadOne) {
+  static_cast<void>(writeSample("a.png"));
+  static_cast<void>(writeSample("b.png"));
+  write("bad.png", "no picture");
+  const Outcome outcome = qrz("apply self.InvertGrayQRZ " + path("a.png") + " " + path("bad.png") +
+                              " " + path("b.png") + " -o " + path("out"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(
+      outcome.output,
+      path("bad.png") + ": is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA or PNM\n");
+  EXPECT_TRUE(fs::exists(path("out/a.png")));
+  EXPECT_TRUE(fs::exists(path("out/b.png")));
+  EXPECT_FALSE(fs::exists(path("out/bad.png")));
+}
+
+TEST_F(CliTest, FailuresSayWhatToDoAndLeaveNothing) {
+  const std::string out = " -o " + path("out.png");
+  expectLine("apply self " + path("none.png") + out, 1,
+             path("none.png") +
+                 ": cannot be read: No such file or directory; check the name and the permissions");
+  expectLine("apply self sample:colors -o " + path("out.xyz"), 2,
+             path("out.xyz") + ": unknown picture format; use .png, .jpg, .bmp or .tga");
+  expectLine("apply self sample:colors", 1,
+             "sample:colors: the result is a picture; name its file with -o");
+  expectLine("apply Nil sample:colors" + out, 1,
+             "sample:colors: the result is nil, so there is no picture to write");
+  expectLine("apply self.Width sample:colors", 0, "sample:colors: 480");
+  expectLine(
+      "--plugin " + path("none.so") + " members", 1,
+      "qrz: " + path("none.so") + ": there is no plug-in; build it or name one with --plugin");
+  expectLine("--plugin " QRZ_BUILD_FOLDER "/libplatform.so members", 1,
+             "qrz: " QRZ_BUILD_FOLDER
+             "/libplatform.so: is no plug-in: it does not export REALPluginMain");
+  expectLine("run " + folder, 1,
+             folder + ": cannot read this script; name a text file in the host's language");
+  expectLine("members InvertQZR", 1,
+             "no member or class is named 'InvertQZR'; did you mean 'InvertQRZ'?");
+  for (const char* usage : {"", "bogus", "apply", "--pictures tape members", "members a b"}) {
+    EXPECT_EQ(qrz(usage).status, 2) << usage;
+    EXPECT_NE(qrz(usage).output.find("`qrz --help`"), std::string::npos) << usage;
+  }
+  EXPECT_EQ(qrz("--help").status, 0);
+  EXPECT_TRUE(files().empty());
+}
+
+TEST_F(CliTest, PictureTooLargeForTheProcess) {
+  // A PNM header that announces more than any 32-bit process can hold.
+  write("huge.ppm", "P6\n60000 60000\n255\n");
+  const Outcome outcome = qrz("apply self " + path("huge.ppm") + " -o " + path("out.png"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.output.find("huge.ppm: "), std::string::npos) << outcome.output;
+  EXPECT_EQ(std::ranges::count(outcome.output, '\n'), 1) << outcome.output;
+  EXPECT_EQ(files(), (std::set<std::string>{"huge.ppm"}));
+}
+
+TEST_F(CliTest, ScriptErrorsShowTheLine) {
+  write("bad.rbs", "Dim p As New Picture(2, 2, 32)\np.InvertQZR.Save(\"x.png\")\n");
+  const Outcome outcome = qrz("run " + path("bad.rbs"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, path("bad.rbs") +
+                                ":2:3: Picture has no member 'InvertQZR'; did you mean "
+                                "'InvertQRZ'?\np.InvertQZR.Save(\"x.png\")\n  ^\n");
+}
+
+TEST_F(CliTest, ExamplesRunCleanly) {
+  const std::string examples = QRZ_SOURCE_FOLDER "/examples/";
+  EXPECT_EQ(qrz("--check run " + examples + "identity.rbs").output,
+            "0 0 57 becomes 0 0 56\n100 100 100 becomes 100 100 100\n"
+            "255 255 255 becomes 255 255 255\n");
+  for (const char* name : {"warm.rbs", "before_after.rbs"}) {
+    const std::string result = path(std::string(name) + ".png");
+    for (const char* mode : {"gworld", "context", "bitmap"}) {
+      const Outcome outcome = qrz("--check --pictures " + std::string(mode) + " run " + examples +
+                                  name + " sample:landscape@90x60 " + result);
+      EXPECT_EQ(outcome.status, 0) << name << " " << mode;
+      EXPECT_EQ(outcome.output, "") << name << " " << mode;
+      EXPECT_GE(readImage(result).width, 90) << name << " " << mode;
+    }
+  }
+}
+
+TEST_F(CliTest, GalleryShowsEveryRegisteredMember) {
+  const Outcome outcome = qrz("--check gallery " + path("page"));
+  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  std::ifstream file(path("page/index.html"));
+  const std::string page{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  EXPECT_NE(page.find("self.InvertGrayQRZ(0, 0, 240, -1)"), std::string::npos);
+  EXPECT_NE(page.find("PictureLut3DQRZ.Run"), std::string::npos);
+  EXPECT_EQ(std::distance(fs::directory_iterator(path("page")), fs::directory_iterator()), 1);
+}
+
+TEST_F(CliTest, MembersAsTheHostSeesThem) {
+  const Outcome old = qrz("--host-version 2010.028 members InvertGrayQRZ");
+  EXPECT_EQ(old.output,
+            "extension of Picture\n"
+            "  0x40000 method    InvertGrayQRZ(left as integer,top as integer,width as integer,"
+            "height as integer) as picture\n"
+            "  0x40000 method    InvertGrayQRZ as picture\n");
+  const Outcome lut = qrz("--host-version 2010.029 members picturelut3dqrz");
+  EXPECT_EQ(lut.output.substr(0, lut.output.find('\n')),
+            "class PictureLut3DQRZ  flags 0x00004, instance data 140000 bytes");
+  EXPECT_NE(lut.output.find("0x40004 method    Run as boolean"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace host

@@ -3,6 +3,20 @@
 namespace host {
 namespace {
 
+/// A table that passes the channels round.
+#define FILLED_TABLE                       \
+  "Dim lut As New PictureLut3DQRZ\n"       \
+  "For r As Integer = 0 To 15\n"           \
+  "  For g As Integer = 0 To 15\n"         \
+  "    For b As Integer = 0 To 15\n"       \
+  "      lut.Table(r, g, b, 0) = 17 * b\n" \
+  "      lut.Table(r, g, b, 1) = 17 * r\n" \
+  "      lut.Table(r, g, b, 2) = 17 * g\n" \
+  "    Next\n"                             \
+  "  Next\n"                               \
+  "Next\n"                                 \
+  "lut.SourcePicture = self\n"
+
 const Recipe allRecipes[] = {
     {"Tone", "Picture", "InvertQRZ as picture", "landscape", "result = self.InvertQRZ",
      "Every channel becomes 255 minus itself."},
@@ -39,20 +53,16 @@ If lut.Run Then result = lut.DestinationPicture)",
      "result = lut.DestinationPicture",
      "The result of Run. A table that was never filled makes every pixel black."},
     {"Filters", "PictureLut3DQRZ", "MaxX as Integer", "gradients",
-     "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nlut.MaxX = 160\nCall lut.Run\n"
-     "result = lut.DestinationPicture",
+     FILLED_TABLE "lut.MaxX = 160\nCall lut.Run\nresult = lut.DestinationPicture",
      "The column after the last one that is mapped; the rest stays white."},
     {"Filters", "PictureLut3DQRZ", "MinX as Integer", "gradients",
-     "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nlut.MinX = 160\nCall lut.Run\n"
-     "result = lut.DestinationPicture",
+     FILLED_TABLE "lut.MinX = 160\nCall lut.Run\nresult = lut.DestinationPicture",
      "The first column that is mapped."},
     {"Filters", "PictureLut3DQRZ", "MaxY as Integer", "gradients",
-     "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nlut.MaxY = 100\nCall lut.Run\n"
-     "result = lut.DestinationPicture",
+     FILLED_TABLE "lut.MaxY = 100\nCall lut.Run\nresult = lut.DestinationPicture",
      "The row after the last one that is mapped."},
     {"Filters", "PictureLut3DQRZ", "MinY as Integer", "gradients",
-     "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nlut.MinY = 100\nCall lut.Run\n"
-     "result = lut.DestinationPicture",
+     FILLED_TABLE "lut.MinY = 100\nCall lut.Run\nresult = lut.DestinationPicture",
      "The first row that is mapped."},
     {"Filters", "PictureLut3DQRZ",
      "Table(r as integer, g as integer, b as integer, x as integer) as double", "edges",

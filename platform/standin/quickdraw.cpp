@@ -169,8 +169,6 @@ void disposeGWorld(GWorldPtr world) {
 
 Pixels pixelsOf(GWorldPtr world) { return world->map.pixels; }
 
-int32_t lockCount(GWorldPtr world) { return world->map.locks; }
-
 }  // namespace standin
 
 using standin::called;

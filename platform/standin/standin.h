@@ -34,8 +34,6 @@ GWorldPtr newGWorldOver(uint8_t* base, int32_t width, int32_t height, int32_t de
 void disposeGWorld(GWorldPtr world);
 /// Of the screen's port: no base, no size.
 Pixels pixelsOf(GWorldPtr world);
-/// LockPixels calls on the world that have not been undone.
-int32_t lockCount(GWorldPtr world);
 
 /// A bitmap context over `data`, which stays the caller's. Null without memory.
 CGContextRef newBitmapContext(void* data, size_t bytesPerRow, size_t bitsPerComponent,

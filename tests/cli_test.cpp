@@ -173,9 +173,9 @@ TEST_F(CliTest, ExamplesRunCleanly) {
             "255 255 255 becomes 255 255 255\n");
   for (const char* name : {"warm.rbs", "before_after.rbs"}) {
     const std::string result = path(std::string(name) + ".png");
+    const std::string command = " run " + examples + name + " sample:landscape@90x60 " + result;
     for (const char* mode : {"gworld", "context", "bitmap"}) {
-      const Outcome outcome = qrz("--check --pictures " + std::string(mode) + " run " + examples +
-                                  name + " sample:landscape@90x60 " + result);
+      const Outcome outcome = qrz("--check --pictures " + (mode + command));
       EXPECT_EQ(outcome.status, 0) << name << " " << mode;
       EXPECT_EQ(outcome.output, "") << name << " " << mode;
       EXPECT_GE(readImage(result).width, 90) << name << " " << mode;

@@ -158,6 +158,23 @@ TEST_F(StandinTest, HandlesCopyTheirBytes) {
   EXPECT_NE(PtrToHand(source, &handle, -1), 0);
 }
 
+TEST_F(StandinTest, LeaksAreNamed) {
+  qrz::PictureDescription description{};
+  {
+    const auto picture = Picture::create(Storage::GWorld, 3, 2);
+    picture->lock(description);
+    PixMapHandle map = GetGWorldPixMap(static_cast<GWorldPtr>(description.data));
+    EXPECT_EQ(LockPixels(map), 1);
+    EXPECT_EQ(runtime().findLeaks(),
+              (std::vector<std::string>{"still alive: Picture 3x2 (GWorld 32), 1 references",
+                                        "1 description locks still held on it",
+                                        "1 pixel maps still locked", "1 GWorlds still allocated"}));
+    UnlockPixels(map);
+    picture->unlock();
+  }
+  EXPECT_TRUE(runtime().findLeaks().empty());
+}
+
 // --- Drawing -----------------------------------------------------------------
 
 TEST_F(StandinTest, PicturesAreDrawnScaledAndCut) {

@@ -79,7 +79,7 @@ class RepresentationTest : public PluginTest, public testing::WithParamInterface
   std::mt19937 random{20101};
 };
 
-/// Instantiates a RepresentationTest for all representations.
+/// Instantiates a test suite of Representations for all representations.
 #define QRZ_ALL_REPRESENTATIONS(SUITE)                                              \
   INSTANTIATE_TEST_SUITE_P(All, SUITE, testing::ValuesIn(host::allRepresentations), \
                            [](const auto& test) { return std::string(test.param.name); })

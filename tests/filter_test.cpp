@@ -26,15 +26,18 @@ struct SameSize {
 
 /// Red of the first source, green of the second, blue of the last one.
 struct CombineRow {
-  template <typename Format, typename... Sources>
+  template <typename Format>
   void row(qrz::PixelWord* destination, int32_t count, const qrz::PixelWord* first,
-           const qrz::PixelWord* second, const Sources*... more) const {
-    const qrz::PixelWord* last = second;
-    ((last = more), ...);
+           const qrz::PixelWord* second, const qrz::PixelWord* third) const {
     for (int32_t x = 0; x < count; ++x) {
       destination[x] =
-          Format::pack(Format::red(first[x]), Format::green(second[x]), Format::blue(last[x]));
+          Format::pack(Format::red(first[x]), Format::green(second[x]), Format::blue(third[x]));
     }
+  }
+  template <typename Format>
+  void row(qrz::PixelWord* destination, int32_t count, const qrz::PixelWord* first,
+           const qrz::PixelWord* second) const {
+    row<Format>(destination, count, first, second, second);
   }
 };
 

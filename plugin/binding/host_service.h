@@ -42,8 +42,6 @@ class HostService<Result(Arguments...)> {
     return static_cast<Result>(function(arguments...));
   }
 
-  constexpr const char* name() const { return name_; }
-
  private:
   template <typename Type>
   using Word = std::conditional_t<std::is_same_v<Type, HostBoolean>, uint32_t, Type>;

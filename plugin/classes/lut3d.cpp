@@ -6,8 +6,6 @@
 
 namespace qrz {
 
-int32_t RunLut3DQRZ(HostObject instance);
-
 namespace {
 
 /// The instance data stays as the host hands it over.
@@ -68,23 +66,22 @@ MethodRecord methods[] = {
 
 }  // namespace
 
-ClassRecord lut3DClass = {kInterfaceVersion,
-                          "PictureLut3DQRZ",
-                          nullptr,
-                          sizeof(PictureLut3D),
-                          0,
-                          reinterpret_cast<HostFunction>(constructLut3D),
-                          reinterpret_cast<HostFunction>(CloseLut3DQRZ),
-                          properties,
-                          std::size(properties),
-                          methods,
-                          std::size(methods),
-                          {},
-                          4,
-                          nullptr,
-                          0,
-                          nullptr,
-                          0,
-                          {}};
+// clang-format off
+ClassRecord lut3DClass = {
+    /*version=*/kInterfaceVersion,
+    /*name=*/"PictureLut3DQRZ",
+    /*superclass=*/nullptr,
+    /*dataSize=*/sizeof(PictureLut3D),
+    /*systemUse=*/0,
+    /*constructor=*/reinterpret_cast<HostFunction>(constructLut3D),
+    /*destructor=*/reinterpret_cast<HostFunction>(CloseLut3DQRZ),
+    /*properties=*/properties, std::size(properties),
+    /*methods=*/methods, std::size(methods),
+    /*unused1=*/{},
+    /*flags=*/4,
+    /*secondProperties=*/nullptr, 0,
+    /*secondMethods=*/nullptr, 0,
+    /*unused2=*/{}};
+// clang-format on
 
 }  // namespace qrz

@@ -36,4 +36,7 @@ static_assert(sizeof(PictureLut3D) == 139992);
 
 extern ClassRecord lut3DClass;
 
+/// The method Run, in a file of its own.
+int32_t RunLut3DQRZ(HostObject instance);
+
 }  // namespace qrz

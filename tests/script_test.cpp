@@ -317,7 +317,7 @@ TEST_F(ScriptTest, MistakenNames) {
       {"Print 1.Width", "1:9: expected end of line but found 'Width'"},
       {"Print (1).Width", "1:11: Integer has no member 'Width'"},
       {"Dim total As Integer\nPrint totl", "2:7: unknown name 'totl'; did you mean 'total'?"},
-      {"x = 1", "1:1: unknown name 'x'"},
+      {"x = 1", "1:1: unknown name 'x'; variables are declared with Dim"},
       {"Print Lenght(\"a\")", "1:7: unknown name 'Lenght'; did you mean 'Length'?"},
       {"Dim x As Bax", "1:10: unknown class 'Bax'; did you mean 'Box'?"},
       {"Dim x As Intger", "1:10: unknown class 'Intger'; did you mean 'Integer'?"},
@@ -441,7 +441,8 @@ TEST_F(ScriptTest, UserFunctions) {
       {"Function Nothing() As Box\nReturn\nEnd Function\nPrint Nothing Is Nil", "True"},
   });
   expectErrors({
-      {"Dim x As Integer\nShow\nSub Show()\nPrint x\nEnd Sub", "4:7: unknown name 'x'"},
+      {"Dim x As Integer\nShow\nSub Show()\nPrint x\nEnd Sub",
+       "4:7: unknown name 'x'; variables are declared with Dim"},
       {"Function F() As Integer\nReturn \"\"\nEnd Function\nPrint F",
        "2:8: the result must be Integer, but this is String"},
       {"Function F()\nEnd Function", "1:10: a Function needs 'As' and the type of its result"},
@@ -489,7 +490,8 @@ TEST_F(ScriptTest, SyntaxErrorsSayWhatWasExpected) {
 
 TEST_F(ScriptTest, ErrorsShowTheLineWithACaret) {
   EXPECT_EQ(outcome("Print 1\n\tPrint \"\xC3\xA4\", x\nPrint 2"),
-            "1\ndemo.rbs:2:13: unknown name 'x'\n\tPrint \"\xC3\xA4\", x\n\t           ^");
+            "1\ndemo.rbs:2:13: unknown name 'x'; variables are declared with Dim\n\tPrint "
+            "\"\xC3\xA4\", x\n\t           ^");
   EXPECT_EQ(outcome("Print \x1B\x01"), "demo.rbs:1:7: unexpected character\nPrint ??\n      ^");
 }
 

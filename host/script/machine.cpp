@@ -111,7 +111,9 @@ void Machine::failUnknownName(const std::string& name, size_t position) {
     appendNames(names, *members);
   }
   for (const Class& type : registry_.classes()) names.push_back(type.name);
-  fail(position, "unknown name '" + name + "'" + suggestion(name, names));
+  const std::string nearest = suggestion(name, names);
+  fail(position, "unknown name '" + name + "'" +
+                     (nearest.empty() ? "; variables are declared with Dim" : nearest));
 }
 
 void Machine::failUnknownMember(const Owner& owner, const std::string& name,

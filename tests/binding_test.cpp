@@ -120,6 +120,24 @@ TEST_F(BindingTest, IntegerProperties) {
   EXPECT_EQ(qrz::SetPenWidthProperty(pictureHandle, 5), 0);
 }
 
+uint32_t lastFlag = 0;
+
+uint32_t answerWithGarbage(Object* /*object*/, const char* /*name*/, uint32_t value) {
+  lastFlag = value;
+  return 0xFFFFFF00 | (value & 1);
+}
+
+TEST_F(BindingTest, BooleansCrossAsOneByteBothWays) {
+  qrz::HostService<qrz::HostBoolean(qrz::HostObject, const char*, qrz::HostBoolean)> service{
+      "asks"};
+  runtime().replacedServices["asks"] = reinterpret_cast<void*>(answerWithGarbage);
+  for (const uint8_t flag : {uint8_t{0}, uint8_t{1}, uint8_t{0xFF}}) {
+    EXPECT_EQ(service(nullptr, "", flag), flag & 1);
+    EXPECT_EQ(lastFlag, flag) << "the word is not zero-extended";
+  }
+  runtime().replacedServices.clear();
+}
+
 // --- Copies by row -----------------------------------------------------------
 
 Ref<Picture> striped(Storage storage, int32_t width, int32_t height, uint32_t seed) {

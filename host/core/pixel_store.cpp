@@ -23,9 +23,8 @@ using Bytes = std::unique_ptr<uint8_t, FreeDeleter>;
 
 /// Null if the block is too large or there is no memory.
 Bytes allocate(int64_t rowBytes, int32_t height) {
-  const int64_t size = rowBytes * height;
-  if (size > kLargestStore) return nullptr;
-  return Bytes(static_cast<uint8_t*>(calloc(static_cast<size_t>(size), 1)));
+  if (rowBytes > kLargestStore / height) return nullptr;
+  return Bytes(static_cast<uint8_t*>(calloc(static_cast<size_t>(rowBytes * height), 1)));
 }
 
 /// 0xPPRRGGBB to bytes P, R, G, B and back: the byte order turned round.

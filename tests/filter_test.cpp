@@ -112,5 +112,46 @@ TEST(FilterOrderTest, OpensInOrderAndClosesInReverse) {
                                       "unlockPictureDescription", "REALUnlockObject"}));
 }
 
+/// Calls of a create that should fail.
+template <typename Path>
+std::vector<std::string> failedCreate(int32_t width, int32_t height) {
+  return callsDuring([&] {
+    qrz::PictureWriter<Path> writer;
+    EXPECT_FALSE(writer.create(width, height));
+  });
+}
+
+TEST(WriterTest, UnusableBitmapSettlesThePath) {
+  qrz::resolver = resolveService;
+  runtime().replacedServices["newPicture"] =
+      reinterpret_cast<void*>(+[](int32_t width, int32_t height, int32_t) -> Object* {
+        auto made = Picture::create(Storage::Bitmap, width, height);
+        static_cast<qrz::HostBitmap*>(made->store().data())->kind = 1;
+        return made.detach();
+      });
+  const std::vector<std::string> released = {"lockPictureDescription", "unlockPictureDescription",
+                                             "REALUnlockObject"};
+  EXPECT_EQ(failedCreate<qrz::GWorldPath>(3, 3), released);
+  EXPECT_EQ(qrz::writerLatch, qrz::RepresentationLatch::Unknown);
+  EXPECT_EQ(failedCreate<qrz::RowTablePath>(3, 3), released);
+  EXPECT_EQ(qrz::writerLatch, qrz::RepresentationLatch::RowTablePath);
+  EXPECT_TRUE(failedCreate<qrz::GWorldPath>(3, 3).empty()) << "refused at once";
+  EXPECT_TRUE(runtime().findLeaks().empty());
+}
+
+TEST(WriterTest, ContextSettlesThePathAndSizesAreTestedFirst) {
+  qrz::resolver = resolveService;
+  runtime().settings.newPictures = Storage::Context;
+  EXPECT_TRUE(failedCreate<qrz::GWorldPath>(0, 3).empty());
+  EXPECT_TRUE(failedCreate<qrz::RowTablePath>(3, -1).empty());
+  {
+    qrz::PictureWriter<qrz::GWorldPath> writer;
+    EXPECT_TRUE(writer.create(3, 3));
+    EXPECT_EQ(qrz::writerLatch, qrz::RepresentationLatch::GWorldPath);
+    EXPECT_TRUE(failedCreate<qrz::RowTablePath>(3, 3).empty()) << "refused at once";
+  }
+  EXPECT_TRUE(runtime().findLeaks().empty()) << "a writer that was not finished leaks";
+}
+
 }  // namespace
 }  // namespace host

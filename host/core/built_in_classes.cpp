@@ -117,16 +117,9 @@ Value drawWhole(Object* self, Arguments arguments) {
 }
 
 Value drawPart(Object* self, Arguments arguments) {
-  constexpr int32_t kUpToTheEdge = -10000;
-  const Picture& source = pictureArgument(arguments);
-  const int32_t sx = integer(arguments[5]);
-  const int32_t sy = integer(arguments[6]);
-  const int32_t sw = integer(arguments[7]);
-  const int32_t sh = integer(arguments[8]);
-  drawPicture(target(self), source,
-              {integer(arguments[1]), integer(arguments[2]), integer(arguments[3]),
-               integer(arguments[4]), sx, sy, sw == kUpToTheEdge ? source.width() - sx : sw,
-               sh == kUpToTheEdge ? source.height() - sy : sh});
+  const auto at = [&arguments](size_t i) { return integer(arguments[i]); };
+  drawPicture(target(self), pictureArgument(arguments),
+              {at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8)});
   return Nil{};
 }
 
@@ -164,10 +157,7 @@ void addGraphics(Registry& registry) {
                return Nil{};
              }),
       method("DrawPicture(Image as Picture, x as Integer, y as Integer)", drawWhole),
-      method(
-          "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
-          "sx as Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)",
-          drawPart),
+      method(kDrawPictureDeclaration, drawPart),
   };
 }
 

@@ -134,7 +134,10 @@ class RowReader {
 
 }  // namespace
 
-void drawPicture(Picture& destination, const Picture& source, const Placement& p) {
+void drawPicture(Picture& destination, const Picture& source, const Placement& placement) {
+  Placement p = placement;
+  if (p.sourceWidth == kUpToTheEdge) p.sourceWidth = source.width() - p.sourceX;
+  if (p.sourceHeight == kUpToTheEdge) p.sourceHeight = source.height() - p.sourceY;
   const Span columns = cut(p.x, p.width, destination.width());
   const Span rows = cut(p.y, p.height, destination.height());
   if (columns.begin >= columns.end) return;

@@ -57,6 +57,15 @@ class Picture final : public Object {
   int32_t locks_ = 0;
 };
 
+/// The method of graphics objects that draws a part of a picture, as the plug-in
+/// and scripts find it.
+constexpr const char* kDrawPictureDeclaration =
+    "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
+    "sx as Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)";
+
+/// A source size that stands for all that is left of the source.
+constexpr int32_t kUpToTheEdge = -10000;
+
 /// A part of a picture and where it goes, in pixels.
 struct Placement {
   int32_t x, y, width, height;

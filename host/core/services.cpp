@@ -185,17 +185,12 @@ uint8_t setPropValueInt(void* handle, const char* name, int32_t value) {
 
 // --- Drawing -----------------------------------------------------------------
 
-/// The default of a source size in the method's declaration: up to the edge.
-constexpr int32_t kUpToTheEdge = -10000;
-
 void graphicsDrawPicture(void* graphicsHandle, void* pictureHandle, int32_t x, int32_t y, int32_t w,
                          int32_t h, int32_t sx, int32_t sy, int32_t sw, int32_t sh) {
   called("DrawPicture");
   auto* graphics = checked<Graphics>(graphicsHandle, "DrawPicture");
   auto* picture = checked<Picture>(pictureHandle, "DrawPicture");
   if (graphics == nullptr || picture == nullptr) return;
-  if (sw == kUpToTheEdge) sw = picture->width() - sx;
-  if (sh == kUpToTheEdge) sh = picture->height() - sy;
   drawPicture(graphics->picture(), *picture, {x, y, w, h, sx, sy, sw, sh});
 }
 
@@ -203,10 +198,7 @@ void* loadObjectMethod(void* handle, const char* declaration) {
   if (!called("REALLoadObjectMethod")) return nullptr;
   auto* object = checked<Object>(handle, "REALLoadObjectMethod");
   if (dynamic_cast<Graphics*>(object) == nullptr) return nullptr;
-  constexpr std::string_view kDrawPicture =
-      "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
-      "sx as Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)";
-  if (!sameName(declaration, kDrawPicture)) return nullptr;
+  if (!sameName(declaration, kDrawPictureDeclaration)) return nullptr;
   return reinterpret_cast<void*>(graphicsDrawPicture);
 }
 

@@ -203,6 +203,25 @@ TEST_F(StandinTest, PicturesAreDrawnScaledAndCut) {
   }
 }
 
+TEST_F(StandinTest, DrawingTakesAnyNumbers) {
+  const auto source = Picture::create(Storage::GWorld, 6, 5);
+  const auto target = Picture::create(Storage::GWorld, 6, 5);
+  source->fill(0, 0, 6, 5, 0x00FF00);
+  drawPicture(*target, *source, {1, 1, 3, 2, 2, 2, kUpToTheEdge, kUpToTheEdge});
+  EXPECT_EQ(target->pixel(3, 2), 0x00FF00U);
+  EXPECT_EQ(target->pixel(4, 2), 0xFFFFFFU);
+  const std::array<int32_t, 7> extremes = {INT32_MIN, INT32_MIN + 1, -1,          0,
+                                           1,         INT32_MAX,     kUpToTheEdge};
+  std::mt19937 random{11};
+  for (int i = 0; i < 2000; ++i) {
+    const auto any = [&] { return extremes.at(random() % extremes.size()); };
+    drawPicture(*target, *source, {any(), any(), any(), any(), any(), any(), any(), any()});
+    target->pen = {0, any() % 7, any() % 7};
+    drawLine(*target, any(), any(), any(), any());
+    target->fill(any(), any(), any(), any(), 0);
+  }
+}
+
 TEST_F(StandinTest, MasksLetTheGroundShowThrough) {
   const auto target = Picture::create(Storage::GWorld, 3, 1);
   target->setPixels({0x000000, 0x000000, 0x000000});

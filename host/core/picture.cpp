@@ -112,6 +112,12 @@ int32_t sourceAt(int32_t i, int32_t length, int32_t sourceStart, int32_t sourceL
   return position >= 0 && position < sourceSize ? static_cast<int32_t>(position) : -1;
 }
 
+/// What is left of `size` from `start` on; a start may be any number.
+int32_t restFrom(int32_t start, int32_t size) {
+  const int64_t rest = static_cast<int64_t>(size) - start;
+  return static_cast<int32_t>(std::min<int64_t>(rest, INT32_MAX));
+}
+
 /// One row of a picture, read when asked for another one than before.
 class RowReader {
  public:
@@ -136,8 +142,8 @@ class RowReader {
 
 void drawPicture(Picture& destination, const Picture& source, const Placement& placement) {
   Placement p = placement;
-  if (p.sourceWidth == kUpToTheEdge) p.sourceWidth = source.width() - p.sourceX;
-  if (p.sourceHeight == kUpToTheEdge) p.sourceHeight = source.height() - p.sourceY;
+  if (p.sourceWidth == kUpToTheEdge) p.sourceWidth = restFrom(p.sourceX, source.width());
+  if (p.sourceHeight == kUpToTheEdge) p.sourceHeight = restFrom(p.sourceY, source.height());
   const Span columns = cut(p.x, p.width, destination.width());
   const Span rows = cut(p.y, p.height, destination.height());
   if (columns.begin >= columns.end) return;

@@ -1,55 +1,20 @@
 // qrz as its users run it: commands, messages, exit statuses, files.
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <set>
 
 #include "host/files/image_file.h"
+#include "tests/support/command.h"
 
 namespace host {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Outcome {
-  int status;
-  std::string output;  ///< standard output and error
-};
-
-Outcome qrz(const std::string& arguments) {
-  const std::string command = QRZ_BUILD_FOLDER "/qrz " + arguments + " 2>&1 </dev/null";
-  FILE* pipe = popen(command.c_str(), "r");
-  Outcome outcome{-1, {}};
-  std::array<char, 4096> buffer{};
-  while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
-    outcome.output.append(buffer.data(), count);
-  }
-  const int status = pclose(pipe);
-  if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
-  return outcome;
-}
-
-/// A test with a folder of its own, which is gone afterwards.
-class CliTest : public testing::Test {
+class CliTest : public FolderTest {
  protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "qrz-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder = name;
-  }
-  void TearDown() override { fs::remove_all(folder); }
-
-  [[nodiscard]] std::string path(const std::string& name) const { return folder + "/" + name; }
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(path(name), std::ios::binary) << text;
-  }
   [[nodiscard]] std::set<std::string> files() const {
     std::set<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder)) {
@@ -70,8 +35,6 @@ class CliTest : public testing::Test {
     writeImage(path(name), image);
     return image;
   }
-
-  std::string folder;
 };
 
 TEST_F(CliTest, ApplyWritesTheInvertedPictureInEveryMode) {

@@ -478,8 +478,6 @@ TEST_F(ScriptTest, SyntaxErrorsSayWhatWasExpected) {
       {"Print Max(1, 2", "1:15: expected ',' or ')' but found end of file"},
       {"Print 1 2", "1:9: expected end of line but found '2'"},
       {"Print \"abc", "1:7: expected '\"' at the end of the string"},
-      {"Print 99999999999",
-       "1:7: the number does not fit a 32-bit Integer; append '.0' for a Double"},
       {"Print &hFFFFFFFFF", "1:7: expected a 32-bit hexadecimal number after '&h'"},
       {"Print ?", "1:7: unexpected character"},
       {"Exit", "1:1: 'Exit' outside a loop"},

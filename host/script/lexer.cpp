@@ -166,11 +166,9 @@ Token Lexer::scanNumber() {
   const auto [realEnd, realError] = std::from_chars(begin, limit, real);
   if (realError != std::errc{}) source_.fail(position_, "the number does not fit a Double");
   const auto end = static_cast<size_t>(realEnd - text_.data());
-  // The real number also takes the dot of "5." and then is no plain integer.
-  const bool isInteger = integerEnd == realEnd;
-  if (isInteger && integerError != std::errc{}) {
-    source_.fail(position_, "the number does not fit a 32-bit Integer; append '.0' for a Double");
-  }
+  // The real number also takes the dot of "5." and then is no plain integer. A
+  // number beyond 32 bits is a Double, so that -2147483648 can be written.
+  const bool isInteger = integerEnd == realEnd && integerError == std::errc{};
   return finish(Token::Kind::Literal, end, isInteger ? Value{integer} : Value{real});
 }
 

@@ -1,9 +1,12 @@
 // The frame that all operations share: open the pictures, make the new one,
 // run over the rows, give everything back.
 //
-//   readPictures   opens readers on one or more pictures and works with them
-//   makePicture    the same, and makes a new picture of the first one's size
-//   filterPictures the same, and runs a row operation over an area of it
+//   readPictures    opens readers on one or more pictures and works with them
+//   makePicture     the same, and makes a new picture of the first one's size
+//   filterPictures  the same, and runs a row operation over an area of it
+//
+// An operation that has to do something in between takes the one above and calls
+// what the lower one is made of.
 #pragma once
 
 #include <array>
@@ -73,7 +76,7 @@ HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work
 
 namespace detail {
 
-/// One row of every source, from column x on, for the row operation.
+/// One row of every source, from column x0 on, for the row operation.
 template <typename Format, typename Readers, typename RowOperation, size_t... Index>
 void filterRow(const Readers& readers, const Area& area, int32_t y, PixelWord* destination,
                const RowOperation& operation, std::index_sequence<Index...> /*sources*/) {
@@ -83,25 +86,31 @@ void filterRow(const Readers& readers, const Area& area, int32_t y, PixelWord* d
 
 }  // namespace detail
 
-/// Makes a new picture of the size of the first one and runs the operation over
-/// the rows of an area of it, from the top down:
+/// Runs the operation over the rows of an area, from the top down:
 ///
 ///   operation.row<Format>(destination, count, source0, source1, …)
 ///
 /// with `count` pixels at the same place of every picture. Sources and
-/// destination never overlap. `areaRule.within(width, height)` gives the area;
-/// pixels outside it are not written. Null as makePicture says.
+/// destination never overlap. Pixels outside the area are not written.
+template <typename Path, size_t Count, typename RowOperation>
+void filterRows(const std::array<PictureReader<Path>, Count>& readers,
+                const PictureWriter<Path>& writer, const Area& area,
+                const RowOperation& operation) {
+  if (area.x0 >= area.x1) return;
+  for (int32_t y = area.y0; y < area.y1; ++y) {
+    detail::filterRow<typename Path::Format>(readers, area, y, writer.row(y), operation,
+                                             std::make_index_sequence<Count>());
+  }
+}
+
+/// Makes a new picture of the size of the first one and filters an area of it,
+/// which `areaRule.within(width, height)` gives. Null as makePicture says.
 template <size_t Count, typename SizeRule, typename AreaRule, typename RowOperation>
 HostPicture filterPictures(const Pictures<Count>& pictures, SizeRule sizesFit,
                            const AreaRule& areaRule, const RowOperation& operation) {
-  return makePicture(pictures, sizesFit, [&](auto path, const auto& readers, auto& writer) {
-    using Format = typename decltype(path)::Format;
-    const Area area = areaRule.within(readers[0].width(), readers[0].height());
-    if (area.x0 >= area.x1) return;
-    for (int32_t y = area.y0; y < area.y1; ++y) {
-      detail::filterRow<Format>(readers, area, y, writer.row(y), operation,
-                                std::make_index_sequence<Count>());
-    }
+  return makePicture(pictures, sizesFit, [&](auto /*path*/, const auto& readers, auto& writer) {
+    filterRows(readers, writer, areaRule.within(readers[0].width(), readers[0].height()),
+               operation);
   });
 }
 

@@ -80,6 +80,17 @@ TEST_F(CliTest, ApplyToSeveralFilesGoesOnAfterABadOne) {
   EXPECT_FALSE(fs::exists(path("out/bad.png")));
 }
 
+TEST_F(CliTest, ApplyNeverWritesOneFileTwice) {
+  static_cast<void>(writeSample("a.png"));
+  fs::create_directory(path("sub"));
+  fs::copy(path("a.png"), path("sub/a.png"));
+  const Outcome outcome =
+      qrz("apply self " + path("a.png") + " " + path("sub/a.png") + " -o " + path("out"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, path("sub/a.png") + ": another file of this name was written to " +
+                                path("out/a.png") + " already\n");
+}
+
 TEST_F(CliTest, FailuresSayWhatToDoAndLeaveNothing) {
   const std::string out = " -o " + path("out.png");
   expectLine("apply self " + path("none.png") + out, 1,
@@ -87,7 +98,7 @@ TEST_F(CliTest, FailuresSayWhatToDoAndLeaveNothing) {
                  ": cannot be read: No such file or directory; check the name and the permissions");
   expectLine("apply self sample:colors -o " + path("out.xyz"), 2,
              path("out.xyz") + ": unknown picture format; use .png, .jpg, .bmp or .tga");
-  expectLine("apply self sample:colors", 1,
+  expectLine("apply self sample:colors", 2,
              "sample:colors: the result is a picture; name its file with -o");
   expectLine("apply Nil sample:colors" + out, 1,
              "sample:colors: the result is nil, so there is no picture to write");

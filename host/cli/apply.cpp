@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <set>
 
 #include "host/cli/commands.h"
 #include "host/cli/progress.h"
@@ -18,7 +20,8 @@ namespace fs = std::filesystem;
 /// Something went wrong with one file; what() is the line for the user.
 class Failure : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  Failure(int exitStatus, const std::string& line) : std::runtime_error(line), status(exitStatus) {}
+  int status;
 };
 
 /// Where the result for an input file goes.
@@ -42,13 +45,15 @@ void applyToFile(const std::string& expression, const std::string& input,
   const Value result = interpreter.evaluate(expression, "expression");
   const auto* picture = objectAs<Picture>(result);
   if (picture == nullptr && std::holds_alternative<Nil>(result)) {
-    throw Failure(input + ": the result is nil, so there is no picture to write");
+    throw Failure(kFailed, input + ": the result is nil, so there is no picture to write");
   }
   if (picture == nullptr) {
     std::cout << input << ": " << textOf(result) << '\n';
     return;
   }
-  if (output.empty()) throw Failure(input + ": the result is a picture; name its file with -o");
+  if (output.empty()) {
+    throw Failure(kWrongUsage, input + ": the result is a picture; name its file with -o");
+  }
   savePicture(*picture, output);
 }
 
@@ -59,14 +64,19 @@ std::string messageOf(const RaisedException& raised) {
                                                              : raised.instance->className();
 }
 
-bool reportsFailure(const std::string& expression, const std::string& input,
-                    const std::string& output, Progress& progress) {
+/// The exit status for one file; says what went wrong.
+int tryFile(const std::string& expression, const std::string& input, const std::string& output,
+            Progress& progress) {
   std::string problem;
+  int status = kFailed;
   try {
     applyToFile(expression, input, output);
-    return false;
+    return kDone;
   } catch (const RaisedException& raised) {
     problem = messageOf(raised);
+  } catch (const Failure& failure) {
+    problem = failure.what();
+    status = failure.status;
   } catch (const std::bad_alloc&) {
     problem = input + ": not enough memory";
   } catch (const std::exception& error) {
@@ -74,16 +84,18 @@ bool reportsFailure(const std::string& expression, const std::string& input,
   }
   progress.wipe();
   complain(problem);
-  return true;
+  return status;
 }
 
 }  // namespace
 
 int applyExpression(const std::string& expression, const std::vector<std::string>& files,
                     const std::string& output) {
-  const bool intoFolder = files.size() > 1 || output.ends_with('/') || fs::is_directory(output);
+  std::error_code error;
+  const bool intoFolder =
+      files.size() > 1 || output.ends_with('/') || fs::is_directory(output, error);
+  error.clear();
   if (!output.empty()) {
-    std::error_code error;
     if (intoFolder) fs::create_directories(output, error);
     if (error) {
       complain(output + ": cannot make this folder: " + error.message());
@@ -97,16 +109,20 @@ int applyExpression(const std::string& expression, const std::vector<std::string
     }
   }
   Progress progress(files.size());
-  bool failed = false;
+  int worst = kDone;
+  std::set<std::string> targets;
   for (const std::string& file : files) {
-    if (reportsFailure(expression, file, outputFor(file, output, intoFolder && !output.empty()),
-                       progress)) {
-      failed = true;
+    const std::string target = outputFor(file, output, intoFolder && !output.empty());
+    if (!target.empty() && !targets.insert(target).second) {
+      complain(file + ": another file of this name was written to " + target + " already");
+      worst = std::max(worst, kFailed);
+      continue;
     }
+    worst = std::max(worst, tryFile(expression, file, target, progress));
     progress.advance();
     if (*interruptFlag() != 0) break;
   }
-  return failed ? kFailed : kDone;
+  return worst;
 }
 
 }  // namespace host

@@ -120,7 +120,7 @@ int applyExpression(const std::string& expression, const std::vector<std::string
     }
     worst = std::max(worst, tryFile(expression, file, target, progress));
     progress.advance();
-    if (*interruptFlag() != 0) break;
+    if (*interruptFlag() != 0) return kFailed;
   }
   return worst;
 }

@@ -15,13 +15,6 @@ struct InvertRow {
   }
 };
 
-struct InvertGrayRow {
-  template <typename Format>
-  void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(invertGrayRow<Format>(destination, count, source));
-  }
-};
-
 }  // namespace
 
 /// A new picture of the picture's size in which every pixel inside the
@@ -37,18 +30,6 @@ HostPicture InvertRectangleQRZ(HostPicture picture, int32_t left, int32_t top, i
 /// InvertRectangleQRZ on the whole picture.
 HostPicture InvertQRZ(HostPicture picture) {
   return filterPicture(picture, wholePicture, InvertRow());
-}
-
-/// Like InvertRectangleQRZ, but only grey pixels (red = green = blue) are
-/// inverted; the others are copied, pad 0.
-HostPicture InvertGrayRectangleQRZ(HostPicture picture, int32_t left, int32_t top, int32_t width,
-                                   int32_t height) {
-  return filterPicture(picture, Rectangle{left, top, width, height}, InvertGrayRow());
-}
-
-/// InvertGrayRectangleQRZ on the whole picture.
-HostPicture InvertGrayQRZ(HostPicture picture) {
-  return filterPicture(picture, wholePicture, InvertGrayRow());
 }
 
 }  // namespace qrz

@@ -131,6 +131,39 @@ TEST_F(AccessorTest, CopyStaysUndrawnWithoutGraphics) {
   EXPECT_EQ(result->pixel(2, 2), 0U);
 }
 
+std::vector<std::string> askedFor;
+
+TEST_F(AccessorTest, WidthIsAskedBeforeHeight) {
+  runtime().replacedServices["REALGetPropValueInt"] = reinterpret_cast<void*>(
+      +[](Object* /*object*/, const char* name, int32_t* value) -> uint32_t {
+        askedFor.emplace_back(name);
+        *value = 4;
+        return 1;
+      });
+  EXPECT_TRUE(inverts(picture(Storage::GWorld, 24)));
+  EXPECT_EQ(askedFor, (std::vector<std::string>{"Width", "Height"}));
+}
+
+qrz::PictureDescription* lastDescription = nullptr;
+
+TEST_F(AccessorTest, DescriptionIsNotReadAfterItWasUnlocked) {
+  runtime().settings.newPictures = Storage::Bitmap;
+  const auto source = picture(Storage::Bitmap);
+  runtime().replacedServices["lockPictureDescription"] =
+      reinterpret_cast<void*>(+[](Picture* locked, qrz::PictureDescription* description) {
+        lastDescription = description;
+        locked->lock(*description);
+      });
+  runtime().replacedServices["unlockPictureDescription"] =
+      reinterpret_cast<void*>(+[](Picture* locked) {
+        *lastDescription = {};
+        locked->unlock();
+      });
+  // With the type still known, there is no attempt to draw a copy.
+  EXPECT_EQ(callsDuring([&] { EXPECT_TRUE(filter(kInvert, source)); }),
+            (Calls{"REALLockObject", "newPicture", "REALPictureClearCache", "REALUnlockObject"}));
+}
+
 TEST_F(AccessorTest, NoCopyWithoutASize) {
   runtime().replacedServices["REALGetPropValueInt"] = nullptr;
   EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld, 24)));

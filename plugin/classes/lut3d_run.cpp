@@ -61,9 +61,10 @@ int32_t RunLut3DQRZ(HostObject instance) {
   FilterInstance& filter = lut.filter;
   FilterInstance::drop(filter.DestinationPicture);
   if (filter.SourcePicture == nullptr) return 0;
-  filter.DestinationPicture =
-      filterPicture(filter.SourcePicture, filter.region(), Lut3DRow{lut.table});
-  return filter.DestinationPicture != nullptr ? 1 : 0;
+  const auto store = [&filter](HostPicture made) { filter.DestinationPicture = made; };
+  return filterPicture(filter.SourcePicture, filter.region(), Lut3DRow{lut.table}, store) != nullptr
+             ? 1
+             : 0;
 }
 
 }  // namespace qrz

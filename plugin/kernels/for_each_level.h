@@ -22,7 +22,7 @@ namespace qrz::sse2 {
 #pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target("avx2")
+#pragma GCC target("avx2,fpmath=sse")
 #endif
 namespace qrz::avx2 {
 #include QRZ_KERNEL  // NOLINT(readability-duplicate-include): once per level

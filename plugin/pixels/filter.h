@@ -57,12 +57,19 @@ struct AnySize {
   }
 };
 
+/// What happens to a new picture while its sources are still open: nothing more.
+struct NothingMore {
+  void operator()(HostPicture /*made*/) const {}
+};
+
 /// Makes a new picture of the size of the first one, with one reference for the
-/// caller: opens the readers, tests `sizesFit(readers)`, creates the writer and
-/// calls `work(Path(), readers, writer)`. Null if a picture cannot be read, the
-/// sizes do not fit or no new picture can be written.
-template <size_t Count, typename SizeRule, typename Work>
-HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work work) {
+/// caller: opens the readers, tests `sizesFit(readers)`, creates the writer,
+/// calls `work(Path(), readers, writer)` and, with the finished picture and
+/// before the readers close, `whenMade(picture)`. Null if a picture cannot be
+/// read, the sizes do not fit or no new picture can be written.
+template <size_t Count, typename SizeRule, typename Work, typename WhenMade = NothingMore>
+HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work work,
+                        WhenMade whenMade = {}) {
   HostPicture result = nullptr;
   readPictures(pictures, [&](auto path, const auto& readers) {
     if (!sizesFit(readers)) return;
@@ -70,6 +77,7 @@ HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work
     if (!writer.create(readers[0].width(), readers[0].height())) return;
     work(path, readers, writer);
     result = writer.finish();
+    whenMade(result);
   });
   return result;
 }
@@ -105,20 +113,23 @@ void filterRows(const std::array<PictureReader<Path>, Count>& readers,
 
 /// Makes a new picture of the size of the first one and filters an area of it,
 /// which `areaRule.within(width, height)` gives. Null as makePicture says.
-template <size_t Count, typename SizeRule, typename AreaRule, typename RowOperation>
+template <size_t Count, typename SizeRule, typename AreaRule, typename RowOperation,
+          typename WhenMade = NothingMore>
 HostPicture filterPictures(const Pictures<Count>& pictures, SizeRule sizesFit,
-                           const AreaRule& areaRule, const RowOperation& operation) {
-  return makePicture(pictures, sizesFit, [&](auto /*path*/, const auto& readers, auto& writer) {
+                           const AreaRule& areaRule, const RowOperation& operation,
+                           WhenMade whenMade = {}) {
+  const auto work = [&](auto /*path*/, const auto& readers, auto& writer) {
     filterRows(readers, writer, areaRule.within(readers[0].width(), readers[0].height()),
                operation);
-  });
+  };
+  return makePicture(pictures, sizesFit, work, whenMade);
 }
 
 /// filterPictures for the operations with one source.
-template <typename AreaRule, typename RowOperation>
+template <typename AreaRule, typename RowOperation, typename WhenMade = NothingMore>
 HostPicture filterPicture(HostPicture picture, const AreaRule& areaRule,
-                          const RowOperation& operation) {
-  return filterPictures(Pictures<1>{picture}, AnySize(), areaRule, operation);
+                          const RowOperation& operation, WhenMade whenMade = {}) {
+  return filterPictures(Pictures<1>{picture}, AnySize(), areaRule, operation, whenMade);
 }
 
 }  // namespace qrz

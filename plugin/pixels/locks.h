@@ -34,7 +34,7 @@ class DescriptionLock {
     picture_ = nullptr;
   }
 
-  /// As it was filled, also after unlocking (the data then points nowhere).
+  /// Valid while locked.
   [[nodiscard]] const PictureDescription& description() const { return description_; }
 
  private:

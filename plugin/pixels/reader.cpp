@@ -7,8 +7,9 @@
 namespace qrz {
 
 template <>
-bool PictureReader<GWorldPath>::openInPlace(HostPicture picture) {
+auto PictureReader<GWorldPath>::openInPlace(HostPicture picture) -> Outcome {
   const PictureDescription& description = description_.lock(picture);
+  const bool isHostBitmap = description.type == kHostBitmap;
   if (description.type == kGWorld) {
     PixMapHandle map = pixMapOf(description);
     if (map != nullptr && GetPixDepth(map) == 32 && pixMap_.lock(map)) {
@@ -16,23 +17,29 @@ bool PictureReader<GWorldPath>::openInPlace(HostPicture picture) {
         picture_.share(picture);
         readerLatch = RepresentationLatch::GWorldPath;
         rows_ = {reinterpret_cast<uint8_t*>(base), GetPixRowBytes(map)};
-        return true;
+        width_ = description.width;
+        height_ = description.height;
+        return Outcome::Open;
       }
       pixMap_.unlock();
     }
   }
   description_.unlock();
-  return false;
+  return isHostBitmap ? Outcome::HostBitmap : Outcome::Unusable;
 }
 
 template <>
 bool PictureReader<GWorldPath>::open(HostPicture picture) {
   if (readerLatch == RepresentationLatch::RowTablePath || picture == nullptr) return false;
-  if (openInPlace(picture)) return true;
-  if (description_.description().type == kHostBitmap) return false;
-  const Reference<HostPicture> copy{MakeCopy32(picture, GetWidthProperty(asObject(picture)),
-                                               GetHeightProperty(asObject(picture)))};
-  return copy && openInPlace(copy.get());
+  const Outcome outcome = openInPlace(picture);
+  if (outcome != Outcome::Unusable) return outcome == Outcome::Open;
+  // Two statements: the host is asked for the width first.
+  const int32_t width = GetWidthProperty(asObject(picture));
+  const int32_t height = GetHeightProperty(asObject(picture));
+  const Reference<HostPicture> copy{MakeCopy32(picture, width, height)};
+  // Drawing the copy may have run programs that settled the latch.
+  if (!copy || readerLatch == RepresentationLatch::RowTablePath) return false;
+  return openInPlace(copy.get()) == Outcome::Open;
 }
 
 template <>
@@ -44,6 +51,8 @@ bool PictureReader<RowTablePath>::open(HostPicture picture) {
     if (const HostBitmap* bitmap = usableBitmapWithRows(description)) {
       picture_.share(picture);
       rows_ = {bitmap->rowTable};
+      width_ = description.width;
+      height_ = description.height;
       return true;
     }
   }

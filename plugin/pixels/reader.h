@@ -22,22 +22,26 @@ class PictureReader {
   /// the other path, the picture is null or it cannot be read on this path.
   bool open(HostPicture picture);
 
-  [[nodiscard]] int32_t width() const { return description_.description().width; }
-  [[nodiscard]] int32_t height() const { return description_.description().height; }
+  [[nodiscard]] int32_t width() const { return width_; }
+  [[nodiscard]] int32_t height() const { return height_; }
   /// The pixels of row y, 0 to height() - 1; width() words in Path::Format.
   [[nodiscard]] const PixelWord* row(int32_t y) const {
     return reinterpret_cast<const PixelWord*>(rows_.row(y));
   }
 
  private:
+  enum class Outcome { Open, HostBitmap, Unusable };
+
   /// Opens the picture itself, without the fallback.
-  bool openInPlace(HostPicture picture);
+  Outcome openInPlace(HostPicture picture);
 
   // Dropped in the reverse order: pixels, description, reference.
   Reference<HostPicture> picture_;
   DescriptionLock description_;
   PixelLock pixMap_;
   typename Path::Rows rows_{};
+  int32_t width_ = 0;
+  int32_t height_ = 0;
 };
 
 }  // namespace qrz

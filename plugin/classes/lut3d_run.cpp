@@ -22,7 +22,7 @@ constexpr double kFractions[kLut3DLevelsPerPoint] = {
     0 / 17.0, 1 / 17.0,  2 / 17.0,  3 / 17.0,  4 / 17.0,  5 / 17.0,  6 / 17.0,  7 / 17.0, 8 / 17.0,
     9 / 17.0, 10 / 17.0, 11 / 17.0, 12 / 17.0, 13 / 17.0, 14 / 17.0, 15 / 17.0, 16 / 17.0};
 
-inline Lut3DAxis lut3DAxisAt(uint32_t level, uint32_t stride) {
+QRZ_INLINE Lut3DAxis lut3DAxisAt(uint32_t level, uint32_t stride) {
   const uint32_t lower = level / kLut3DLevelsPerPoint;
   const uint32_t step = lower + 1 < kLut3DUsedPoints ? stride : 0;
   return {lower * stride, step, kFractions[level - lower * kLut3DLevelsPerPoint]};

@@ -3,6 +3,7 @@
 // failures at every single call.
 
 #include <algorithm>
+#include <map>
 
 #include "platform/standin/standin.h"
 #include "plugin/binding/description.h"
@@ -144,19 +145,19 @@ TEST_F(AccessorTest, WidthIsAskedBeforeHeight) {
   EXPECT_EQ(askedFor, (std::vector<std::string>{"Width", "Height"}));
 }
 
-qrz::PictureDescription* lastDescription = nullptr;
+std::map<Picture*, qrz::PictureDescription*> lockedDescriptions;
 
 TEST_F(AccessorTest, DescriptionIsNotReadAfterItWasUnlocked) {
   runtime().settings.newPictures = Storage::Bitmap;
   const auto source = picture(Storage::Bitmap);
   runtime().replacedServices["lockPictureDescription"] =
       reinterpret_cast<void*>(+[](Picture* locked, qrz::PictureDescription* description) {
-        lastDescription = description;
+        lockedDescriptions[locked] = description;
         locked->lock(*description);
       });
   runtime().replacedServices["unlockPictureDescription"] =
       reinterpret_cast<void*>(+[](Picture* locked) {
-        *lastDescription = {};
+        *lockedDescriptions[locked] = {};
         locked->unlock();
       });
   // With the type still known, there is no attempt to draw a copy.

@@ -118,6 +118,7 @@ TEST_F(CliTest, FailuresSayWhatToDoAndLeaveNothing) {
     EXPECT_NE(qrz(usage).output.find("`qrz --help`"), std::string::npos) << usage;
   }
   EXPECT_EQ(qrz("--help").status, 0);
+  EXPECT_EQ(qrz("members >/dev/full").status, 1);
   EXPECT_TRUE(files().empty());
 }
 

@@ -222,6 +222,27 @@ TEST_F(StandinTest, DrawingTakesAnyNumbers) {
   }
 }
 
+TEST_F(StandinTest, PicturesAreDrawnOntoThemselves) {
+  const auto picture = Picture::create(Storage::GWorld, 1, 4);
+  picture->setPixels({0xFF0000, 0x00FF00, 0x0000FF, 0x000000});
+  drawPicture(*picture, *picture, {0, 1, 1, 4, 0, 0, 1, 4});
+  EXPECT_EQ(picture->pixels(), (std::vector<uint32_t>{0xFF0000, 0xFF0000, 0x00FF00, 0x0000FF}));
+}
+
+TEST_F(StandinTest, MasksOfMasks) {
+  auto head = Picture::create(Storage::GWorld, 1, 1);
+  EXPECT_THROW(setMask(*head, head), RaisedException);
+  auto last = head;
+  for (int i = 0; i < 100000; ++i) {
+    auto next = Picture::create(Storage::Bitmap, 1, 1);
+    setMask(*last, next);
+    last = next;
+  }
+  EXPECT_THROW(setMask(*last, head), RaisedException) << "a circle";
+  last = nullptr;
+  head = nullptr;  // must not free each one inside the other
+}
+
 TEST_F(StandinTest, MasksLetTheGroundShowThrough) {
   const auto target = Picture::create(Storage::GWorld, 3, 1);
   target->setPixels({0x000000, 0x000000, 0x000000});

@@ -37,12 +37,19 @@ std::string outputFor(const std::string& input, const std::string& output, bool 
   return (fs::path(output) / name).string();
 }
 
-void applyToFile(const std::string& expression, const std::string& input,
-                 const std::string& output) {
+/// One run of `apply`.
+struct Job {
+  const std::string& expression;
+  bool isOneOfMany;
+  std::set<std::string> written;
+};
+
+void applyToFile(Job& job, const std::string& input, const std::string& output) {
   Interpreter interpreter(runtime().registry, std::cout);
   interpreter.setInterruptFlag(interruptFlag());
   interpreter.setVariable("self", objectValue(openPicture(input)));
-  const Value result = interpreter.evaluate(expression, "expression");
+  const Value result =
+      interpreter.evaluate(job.expression, job.isOneOfMany ? input + ": expression" : "expression");
   const auto* picture = objectAs<Picture>(result);
   if (picture == nullptr && std::holds_alternative<Nil>(result)) {
     throw Failure(kFailed, input + ": the result is nil, so there is no picture to write");
@@ -54,7 +61,12 @@ void applyToFile(const std::string& expression, const std::string& input,
   if (output.empty()) {
     throw Failure(kWrongUsage, input + ": the result is a picture; name its file with -o");
   }
+  if (job.written.contains(output)) {
+    throw Failure(kFailed,
+                  input + ": another file of this name was written to " + output + " already");
+  }
   savePicture(*picture, output);
+  job.written.insert(output);
 }
 
 /// The message of an exception that no script caught.
@@ -65,12 +77,11 @@ std::string messageOf(const RaisedException& raised) {
 }
 
 /// The exit status for one file; says what went wrong.
-int tryFile(const std::string& expression, const std::string& input, const std::string& output,
-            Progress& progress) {
+int tryFile(Job& job, const std::string& input, const std::string& output, Progress& progress) {
   std::string problem;
   int status = kFailed;
   try {
-    applyToFile(expression, input, output);
+    applyToFile(job, input, output);
     return kDone;
   } catch (const RaisedException& raised) {
     problem = messageOf(raised);
@@ -110,15 +121,10 @@ int applyExpression(const std::string& expression, const std::vector<std::string
   }
   Progress progress(files.size());
   int worst = kDone;
-  std::set<std::string> targets;
+  Job job{expression, files.size() > 1, {}};
   for (const std::string& file : files) {
     const std::string target = outputFor(file, output, intoFolder && !output.empty());
-    if (!target.empty() && !targets.insert(target).second) {
-      complain(file + ": another file of this name was written to " + target + " already");
-      worst = std::max(worst, kFailed);
-      continue;
-    }
-    worst = std::max(worst, tryFile(expression, file, target, progress));
+    worst = std::max(worst, tryFile(job, file, target, progress));
     progress.advance();
     if (*interruptFlag() != 0) return kFailed;
   }

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <csignal>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -109,7 +110,10 @@ int run(int argc, char** argv) {
   }
   addBuiltInClasses(runtime().registry);
   std::signal(SIGINT, onInterrupt);
-  const int status = runCommand(app, line);
+  int status = runCommand(app, line);
+  const bool printed = std::cout.flush() && fflush(stdout) == 0 && ferror(stdout) == 0;
+  if (!printed) complain("standard output cannot be written");
+  if (!printed && status == kDone) status = kFailed;
   const bool leaks = reportLeaks(line.check);
   return leaks && line.check && status == kDone ? kFailed : status;
 }

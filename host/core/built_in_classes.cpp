@@ -1,6 +1,9 @@
 // The classes that every script has: Picture, Graphics and MemoryBlock.
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "host/core/memory_block.h"
@@ -53,12 +56,13 @@ Member assignable(const char* declaration, std::function<Value(Object*, Argument
 Value makePicture(Arguments arguments) {
   const int32_t width = integer(arguments[0]);
   const int32_t height = integer(arguments[1]);
+  const std::string size = std::to_string(width) + " x " + std::to_string(height) + " pixels";
+  if (width < 1 || height < 1) {
+    raise("OutOfBoundsException", "A picture cannot have " + size + ".");
+  }
   auto picture =
       Picture::create(runtime().storageOfOpenedPictures(), width, height, integer(arguments[2]));
-  if (!picture) {
-    raise("OutOfMemoryException", "No picture of " + std::to_string(width) + " x " +
-                                      std::to_string(height) + " pixels can be made.");
-  }
+  if (!picture) raise("OutOfMemoryException", "There is no memory for " + size + ".");
   return objectValue(picture);
 }
 
@@ -78,7 +82,7 @@ void addPicture(Registry& registry) {
       property(
           "Mask as Picture", [](Object* self) { return objectValue(as<Picture>(self).mask); },
           [](Object* self, const Value& value) {
-            as<Picture>(self).mask = Ref<Picture>::share(objectAs<Picture>(value));
+            setMask(as<Picture>(self), Ref<Picture>::share(objectAs<Picture>(value)));
           }),
       property("Graphics as Graphics",
                [](Object* self) {
@@ -99,7 +103,10 @@ Picture& target(Object* self) { return as<Graphics>(self).picture(); }
 Member penProperty(const char* declaration, int32_t Pen::*field) {
   return property(
       declaration, [field](Object* self) { return target(self).pen.*field; },
-      [field](Object* self, const Value& value) { target(self).pen.*field = integer(value); });
+      [field](Object* self, const Value& value) {
+        // Pens are measured in the platform's 16-bit coordinates.
+        target(self).pen.*field = std::clamp(integer(value), 0, INT16_MAX);
+      });
 }
 
 const Picture& pictureArgument(Arguments arguments) {
@@ -178,7 +185,11 @@ uint8_t* bytesAt(Object* self, const Value& index, size_t count) {
 Value makeMemoryBlock(Arguments arguments) {
   const int32_t size = integer(arguments[0]);
   if (size < 0) raise("OutOfBoundsException", "A block cannot have fewer than 0 bytes.");
-  return objectValue(makeObject<MemoryBlock>(std::vector<uint8_t>(static_cast<size_t>(size))));
+  try {
+    return objectValue(makeObject<MemoryBlock>(std::vector<uint8_t>(static_cast<size_t>(size))));
+  } catch (const std::bad_alloc&) {
+    raise("OutOfMemoryException", "There is no memory for " + std::to_string(size) + " bytes.");
+  }
 }
 
 void addMemoryBlock(Registry& registry) {

@@ -3,20 +3,34 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <new>
 
 #include "host/core/runtime.h"
 
 namespace host {
+namespace {
+
+/// Masks that have masks, and so on; nobody needs as many.
+constexpr int32_t kLongestMaskChain = 100;
+
+}  // namespace
 
 Ref<Picture> Picture::create(Storage storage, int32_t width, int32_t height, int32_t depth) {
-  auto store = newPixelStore(storage, width, height, depth);
-  if (store == nullptr) return nullptr;
-  return makeObject<Picture>(std::move(store));
+  try {
+    auto store = newPixelStore(storage, width, height, depth);
+    if (store == nullptr) return nullptr;
+    return makeObject<Picture>(std::move(store));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 Picture::Picture(std::unique_ptr<PixelStore> store) : Object("Picture"), store_(std::move(store)) {}
 
 Picture::~Picture() {
+  // A mask can have a mask, and so on; freed one by one, not one in the other.
+  Ref<Picture> next = std::move(mask);
+  while (next && next->references() == 1) next = std::exchange(next->mask, nullptr);
   if (locks_ > 0) runtime().reportMisuse("freed while locked: " + describe());
 }
 
@@ -140,7 +154,31 @@ class RowReader {
 
 }  // namespace
 
+void setMask(Picture& picture, Ref<Picture> mask) {
+  int32_t links = 0;
+  for (const Picture* link = mask.get(); link != nullptr; link = link->mask.get()) {
+    if (link == &picture) raise("OutOfBoundsException", "A picture cannot be its own mask.");
+    if (++links > kLongestMaskChain) raise("OutOfBoundsException", "Too many masks of masks.");
+  }
+  picture.mask = std::move(mask);
+}
+
+namespace {
+
+/// The same pixels and mask in a picture of its own.
+Ref<Picture> duplicate(const Picture& picture) {
+  auto copy = Picture::create(Storage::Bitmap, picture.width(), picture.height());
+  if (!copy) throw std::bad_alloc();
+  copy->setPixels(picture.pixels());
+  copy->mask = picture.mask;
+  return copy;
+}
+
+}  // namespace
+
 void drawPicture(Picture& destination, const Picture& source, const Placement& placement) {
+  // Rows that are overwritten must not be read again.
+  if (&source == &destination) return drawPicture(destination, *duplicate(source), placement);
   Placement p = placement;
   if (p.sourceWidth == kUpToTheEdge) p.sourceWidth = restFrom(p.sourceX, source.width());
   if (p.sourceHeight == kUpToTheEdge) p.sourceHeight = restFrom(p.sourceY, source.height());

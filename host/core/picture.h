@@ -72,6 +72,10 @@ struct Placement {
   int32_t sourceX, sourceY, sourceWidth, sourceHeight;
 };
 
+/// Gives the picture a mask, or none for null. Raises an exception if the mask
+/// is the picture itself or has it for a mask, directly or not.
+void setMask(Picture& picture, Ref<Picture> mask);
+
 /// Draws a stretch of `source` into `destination`, scaled by taking the nearest
 /// pixel; what lies outside either picture is left out. The source's mask lets
 /// the destination show through.

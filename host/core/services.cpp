@@ -18,6 +18,31 @@ namespace {
 
 bool called(const char* service) { return runtime().called(service); }
 
+/// The service as the plug-in calls it. Its frames cannot be unwound, so nothing
+/// may be thrown through them: lack of memory becomes the service's failure
+/// result, an exception of the language becomes pending.
+template <auto service>
+struct Guarded;
+
+template <typename Result, typename... Arguments, Result (*service)(Arguments...)>
+struct Guarded<service> {
+  static Result call(Arguments... arguments) {
+    try {
+      return service(arguments...);
+    } catch (const RaisedException& raised) {
+      runtime().setPendingException(raised.instance);
+    } catch (const std::exception& problem) {
+      runtime().reportMisuse(std::string("a service failed: ") + problem.what());
+    }
+    return Result();
+  }
+};
+
+template <auto service>
+void* addressOf() {
+  return reinterpret_cast<void*>(Guarded<service>::call);
+}
+
 /// The object behind a handle; null, and a report, for anything else.
 template <typename T>
 T* checked(void* handle, const char* service) {
@@ -199,7 +224,7 @@ void* loadObjectMethod(void* handle, const char* declaration) {
   auto* object = checked<Object>(handle, "REALLoadObjectMethod");
   if (dynamic_cast<Graphics*>(object) == nullptr) return nullptr;
   if (!sameName(declaration, kDrawPictureDeclaration)) return nullptr;
-  return reinterpret_cast<void*>(graphicsDrawPicture);
+  return addressOf<graphicsDrawPicture>();
 }
 
 void graphicsDrawLine(void* handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
@@ -330,45 +355,40 @@ struct Service {
   void* address;
 };
 
-template <typename Function>
-void* addressOf(Function* function) {
-  return reinterpret_cast<void*>(function);
-}
-
 const Service services[] = {
-    {"RegisterPluginVersion", addressOf(registerPluginVersion)},
-    {"REALGetRBVersion", addressOf(getVersion)},
-    {"PluginRegisterClass", addressOf(pluginRegisterClass)},
-    {"PluginRegisterClassExtension", addressOf(pluginRegisterClassExtension)},
-    {"PluginRegisterMethod", addressOf(pluginRegisterMethod)},
-    {"REALenterMovies", addressOf(enterMovies)},
-    {"REALBuildString", addressOf(buildString)},
-    {"REALSetStringEncoding", addressOf(setStringEncoding)},
-    {"REALConvertString", addressOf(convertString)},
-    {"REALUnlockString", addressOf(unlockString)},
-    {"REALLockObject", addressOf(lockObject)},
-    {"REALUnlockObject", addressOf(unlockObject)},
-    {"PluginNewInstance", addressOf(newInstance)},
-    {"RuntimeRaiseException", addressOf(raiseException)},
-    {"REALSetPropValueString", addressOf(setPropValueString)},
-    {"REALGetPropValueInt", addressOf(getPropValueInt)},
-    {"REALSetPropValueInt", addressOf(setPropValueInt)},
-    {"REALLoadObjectMethod", addressOf(loadObjectMethod)},
-    {"RuntimeGraphicsDrawPicture", addressOf(graphicsDrawPicture)},
-    {"RuntimeGraphicsDrawLine", addressOf(graphicsDrawLine)},
-    {"newPicture", addressOf(newPicture)},
-    {"pluginPictureGraphicsGetter", addressOf(pictureGraphics)},
-    {"lockPictureDescription", addressOf(lockDescription)},
-    {"unlockPictureDescription", addressOf(unlockDescription)},
-    {"REALLockPictureDescription", addressOf(lockDescriptionAs)},
-    {"REALPictureClearCache", addressOf(pictureClearCache)},
-    {"REALGetPictureMask", addressOf(pictureMask)},
-    {"drawPicturePrimitive", addressOf(drawPrimitive)},
-    {"REALBuildPictureFromPicHandle", addressOf(pictureFromPicHandle)},
-    {"REALBuildPictureFromGWorld", addressOf(pictureFromGWorld)},
-    {"newMemoryBlock", addressOf(newMemoryBlock)},
-    {"memoryBlockGetPtr", addressOf(memoryBlockGetPtr)},
-    {"memoryBlockGetSize", addressOf(memoryBlockGetSize)},
+    {"RegisterPluginVersion", addressOf<registerPluginVersion>()},
+    {"REALGetRBVersion", addressOf<getVersion>()},
+    {"PluginRegisterClass", addressOf<pluginRegisterClass>()},
+    {"PluginRegisterClassExtension", addressOf<pluginRegisterClassExtension>()},
+    {"PluginRegisterMethod", addressOf<pluginRegisterMethod>()},
+    {"REALenterMovies", addressOf<enterMovies>()},
+    {"REALBuildString", addressOf<buildString>()},
+    {"REALSetStringEncoding", addressOf<setStringEncoding>()},
+    {"REALConvertString", addressOf<convertString>()},
+    {"REALUnlockString", addressOf<unlockString>()},
+    {"REALLockObject", addressOf<lockObject>()},
+    {"REALUnlockObject", addressOf<unlockObject>()},
+    {"PluginNewInstance", addressOf<newInstance>()},
+    {"RuntimeRaiseException", addressOf<raiseException>()},
+    {"REALSetPropValueString", addressOf<setPropValueString>()},
+    {"REALGetPropValueInt", addressOf<getPropValueInt>()},
+    {"REALSetPropValueInt", addressOf<setPropValueInt>()},
+    {"REALLoadObjectMethod", addressOf<loadObjectMethod>()},
+    {"RuntimeGraphicsDrawPicture", addressOf<graphicsDrawPicture>()},
+    {"RuntimeGraphicsDrawLine", addressOf<graphicsDrawLine>()},
+    {"newPicture", addressOf<newPicture>()},
+    {"pluginPictureGraphicsGetter", addressOf<pictureGraphics>()},
+    {"lockPictureDescription", addressOf<lockDescription>()},
+    {"unlockPictureDescription", addressOf<unlockDescription>()},
+    {"REALLockPictureDescription", addressOf<lockDescriptionAs>()},
+    {"REALPictureClearCache", addressOf<pictureClearCache>()},
+    {"REALGetPictureMask", addressOf<pictureMask>()},
+    {"drawPicturePrimitive", addressOf<drawPrimitive>()},
+    {"REALBuildPictureFromPicHandle", addressOf<pictureFromPicHandle>()},
+    {"REALBuildPictureFromGWorld", addressOf<pictureFromGWorld>()},
+    {"newMemoryBlock", addressOf<newMemoryBlock>()},
+    {"memoryBlockGetPtr", addressOf<memoryBlockGetPtr>()},
+    {"memoryBlockGetSize", addressOf<memoryBlockGetSize>()},
 };
 
 }  // namespace

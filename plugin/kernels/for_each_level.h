@@ -5,9 +5,8 @@
 //
 // and call a kernel of it at the chosen level with QRZ_KERNEL_CALL. A text
 // holds functions only and includes nothing: what it uses is included before.
-// Everything in it belongs to its level, so nothing compiled for one
-// level can serve another; what it calls per pixel from
-// outside is marked QRZ_INLINE.
+// Everything in it belongs to its level, so nothing compiled for one level can
+// serve another; what it calls per pixel from outside is marked QRZ_INLINE.
 // (No include guard: included once per kernel text.)
 
 #include <cstdint>

@@ -11,7 +11,6 @@
 
 #include <array>
 #include <cstddef>
-#include <type_traits>
 #include <utility>
 
 #include "plugin/pixels/area.h"

@@ -14,6 +14,15 @@ enum TextEncoding : int32_t {
   kRawBytes = 0xFFFF,
 };
 
+/// The bytes of a host string, valid as long as the string.
+struct HostText {
+  const char* bytes;  ///< never null
+  int32_t length;     ///< 0 or more
+};
+
+/// The text of a string, read where it lies; no bytes if the string is null.
+HostText textOf(HostString string);
+
 /// A new host string of `length` bytes in `encoding`, with one reference for
 /// the caller. UTF-16 and UTF-32 text is converted to UTF-8; other bytes are
 /// kept and tagged. Null for no bytes (there is no empty string from here), and

@@ -1,6 +1,7 @@
 // PictureLut3DQRZ.Run: a region of the source picture mapped through the table.
 
 #include "plugin/classes/lut3d.h"
+#include "plugin/pixels/convert.h"
 #include "plugin/pixels/filter.h"
 
 namespace qrz {

@@ -4,6 +4,7 @@
 //   readPictures    opens readers on one or more pictures and works with them
 //   makePicture     the same, and makes a new picture of the first one's size
 //   filterPictures  the same, and runs a row operation over an area of it
+//   drawNewPicture  makes a new picture without reading one
 //
 // An operation that has to do something in between takes the one above and calls
 // what the lower one is made of.
@@ -56,6 +57,19 @@ struct AnySize {
   }
 };
 
+/// Size rule of the operations that pair the pixels of equal pictures.
+struct EqualSizes {
+  template <typename Readers>
+  bool operator()(const Readers& readers) const {
+    for (const auto& reader : readers) {
+      if (reader.width() != readers[0].width() || reader.height() != readers[0].height()) {
+        return false;
+      }
+    }
+    return true;
+  }
+};
+
 /// What happens to a new picture while its sources are still open: nothing more.
 struct NothingMore {
   void operator()(HostPicture /*made*/) const {}
@@ -65,7 +79,8 @@ struct NothingMore {
 /// caller: opens the readers, tests `sizesFit(readers)`, creates the writer,
 /// calls `work(Path(), readers, writer)` and, with the finished picture and
 /// before the readers close, `whenMade(picture)`. Null if a picture cannot be
-/// read, the sizes do not fit or no new picture can be written.
+/// read, the sizes do not fit, no new picture can be written or `work` gives it
+/// up by returning false.
 template <size_t Count, typename SizeRule, typename Work, typename WhenMade = NothingMore>
 HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work work,
                         WhenMade whenMade = {}) {
@@ -74,7 +89,7 @@ HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work
     if (!sizesFit(readers)) return;
     PictureWriter<decltype(path)> writer;
     if (!writer.create(readers[0].width(), readers[0].height())) return;
-    work(path, readers, writer);
+    if (!work(path, readers, writer)) return;
     result = writer.finish();
     whenMade(result);
   });
@@ -120,6 +135,7 @@ HostPicture filterPictures(const Pictures<Count>& pictures, SizeRule sizesFit,
   const auto work = [&](auto /*path*/, const auto& readers, auto& writer) {
     filterRows(readers, writer, areaRule.within(readers[0].width(), readers[0].height()),
                operation);
+    return true;
   };
   return makePicture(pictures, sizesFit, work, whenMade);
 }
@@ -129,6 +145,27 @@ template <typename AreaRule, typename RowOperation, typename WhenMade = NothingM
 HostPicture filterPicture(HostPicture picture, const AreaRule& areaRule,
                           const RowOperation& operation, WhenMade whenMade = {}) {
   return filterPictures(Pictures<1>{picture}, AnySize(), areaRule, operation, whenMade);
+}
+
+namespace detail {
+
+template <typename Path, typename Draw>
+HostPicture drawOnPath(int32_t width, int32_t height, Draw& draw) {
+  PictureWriter<Path> writer;
+  if (!writer.create(width, height)) return nullptr;
+  draw(Path(), writer);
+  return writer.finish();
+}
+
+}  // namespace detail
+
+/// Makes a new picture of width × height pixels, on the GWorldPath or else on
+/// the RowTablePath, and calls `draw(Path(), writer)`; one reference for the
+/// caller. Null if no new picture can be written.
+template <typename Draw>
+HostPicture drawNewPicture(int32_t width, int32_t height, Draw draw) {
+  HostPicture picture = detail::drawOnPath<GWorldPath>(width, height, draw);
+  return picture != nullptr ? picture : detail::drawOnPath<RowTablePath>(width, height, draw);
 }
 
 }  // namespace qrz

@@ -29,6 +29,12 @@ struct PixelFormat {
   static QRZ_INLINE constexpr uint32_t pack(uint32_t red, uint32_t green, uint32_t blue) {
     return (red << RedShift) | (green << GreenShift) | (blue << BlueShift);
   }
+  /// A pad value, 0 to 255, in its place.
+  static QRZ_INLINE constexpr uint32_t ofPad(uint32_t pad) { return pad << PadShift; }
+  /// The pixel of a host colour 0x00RRGGBB, whose bits 24 to 31 are ignored.
+  static QRZ_INLINE constexpr uint32_t ofColor(uint32_t color) {
+    return pack((color >> 16) & 0xFF, (color >> 8) & 0xFF, color & 0xFF);
+  }
 };
 
 /// Bytes X, R, G, B in memory order.

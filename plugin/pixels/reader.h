@@ -28,6 +28,11 @@ class PictureReader {
   [[nodiscard]] const PixelWord* row(int32_t y) const {
     return reinterpret_cast<const PixelWord*>(rows_.row(y));
   }
+  /// The same to write to: the picture's own pixels, or those of the copy, of
+  /// which the picture sees nothing. The host is not told of the change.
+  [[nodiscard]] PixelWord* writableRow(int32_t y) const {
+    return reinterpret_cast<PixelWord*>(rows_.row(y));
+  }
 
  private:
   enum class Outcome { Open, HostBitmap, Unusable };

@@ -1,0 +1,31 @@
+// ReplaceColorQRZ: one exact colour replaced by another.
+
+#include "plugin/pixels/filter.h"
+
+#define QRZ_KERNEL "plugin/kernels/replace_color.inc"
+#include "plugin/kernels/for_each_level.h"
+
+namespace qrz {
+namespace {
+
+struct ReplaceColorRow {
+  HostColor search, found;
+
+  template <typename Format>
+  void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
+    QRZ_KERNEL_CALL(replaceColorRow<Format>(destination, count, source, Format::ofColor(search),
+                                            Format::ofColor(found)));
+  }
+};
+
+}  // namespace
+
+/// A new picture of the picture's size with every pixel of exactly SearchColor
+/// replaced by ReplaceWithColor, the others copied; pads 0. Nil if the picture
+/// cannot be read or no new one can be made.
+HostPicture ReplaceColorQRZ(HostPicture picture, HostColor SearchColor,
+                            HostColor ReplaceWithColor) {
+  return filterPicture(picture, wholePicture, ReplaceColorRow{SearchColor, ReplaceWithColor});
+}
+
+}  // namespace qrz

@@ -1,0 +1,116 @@
+// CountColorsQRZ: a histogram of each channel, added to the caller's blocks.
+
+#include <cstring>
+
+#include "plugin/pixels/filter.h"
+
+namespace qrz {
+namespace {
+
+constexpr int32_t kHistogramBytes = 1024;
+
+/// A counter in a memory block, which may lie at any address.
+typedef uint32_t Counter __attribute__((aligned(1), may_alias));
+
+/// One of the caller's block variables.
+struct Histogram {
+  HostMemoryBlock* variable;
+  bool isNew = false;
+  Counter* counters = nullptr;
+
+  /// Gives a nil variable a new block, which is the caller's from then on.
+  void fill() {
+    if (*variable != nullptr) return;
+    *variable = service::newMemoryBlock(kHistogramBytes);
+    isNew = true;
+  }
+  /// Whether there is a block that holds all counters.
+  [[nodiscard]] bool isUsable() const {
+    return *variable != nullptr && service::memoryBlockGetSize(*variable) >= kHistogramBytes;
+  }
+  /// Finds the counters; new ones start at 0, whatever the host put there.
+  bool open() {
+    counters = static_cast<Counter*>(service::memoryBlockGetPtr(*variable));
+    if (counters != nullptr && isNew) memset(counters, 0, kHistogramBytes);
+    return counters != nullptr;
+  }
+};
+
+/// Counts of one channel. Neighbouring pixels are often equal, and adding to
+/// the same counter twice in a row waits for memory: even and odd pixels have
+/// counters of their own.
+struct ChannelCounts {
+  uint32_t even[256];
+  uint32_t odd[256];
+
+  void addTo(Counter* counters) const {
+    for (int32_t i = 0; i < 256; ++i) counters[i] += even[i] + odd[i];
+  }
+};
+
+struct PixelCounts {
+  ChannelCounts red, green, blue;
+
+  template <typename Format>
+  void add(const PixelWord* row, int32_t count) {
+    int32_t x = 0;
+    for (; x + 1 < count; x += 2) {
+      const uint32_t first = row[x];
+      const uint32_t second = row[x + 1];
+      ++red.even[Format::red(first)];
+      ++green.even[Format::green(first)];
+      ++blue.even[Format::blue(first)];
+      ++red.odd[Format::red(second)];
+      ++green.odd[Format::green(second)];
+      ++blue.odd[Format::blue(second)];
+    }
+    if (x == count) return;
+    ++red.even[Format::red(row[x])];
+    ++green.even[Format::green(row[x])];
+    ++blue.even[Format::blue(row[x])];
+  }
+};
+
+/// Adds the picture's pixels to three open histograms; returns how many.
+template <typename Path>
+int32_t countPixels(const PictureReader<Path>& reader, Counter* red, Counter* green,
+                    Counter* blue) {
+  PixelCounts counts{};
+  int32_t pixels = 0;
+  for (int32_t y = 0; y < reader.height(); ++y) {
+    counts.add<typename Path::Format>(reader.row(y), reader.width());
+    pixels += reader.width();
+  }
+  counts.red.addTo(red);
+  counts.green.addTo(green);
+  counts.blue.addTo(blue);
+  return pixels;
+}
+
+}  // namespace
+
+/// Adds the picture's pixels to three histograms of 256 counters each, unsigned
+/// 32-bit and in native order: the first block counts red, the second, named
+/// blue, green, and the third, named green, blue. Nil variables receive a new
+/// block of 1,024 bytes, owned by the caller; the counters of other blocks are
+/// not cleared. `count` becomes the number of pixels, or -1, with nothing
+/// counted, if a block cannot be made, is shorter than 1,024 bytes or has no
+/// address, or the picture cannot be read.
+void CountColorsQRZ(HostPicture picture, HostMemoryBlock* red, HostMemoryBlock* blue,
+                    HostMemoryBlock* green, int32_t* count) {
+  *count = -1;
+  Histogram first{red};
+  Histogram second{blue};
+  Histogram third{green};
+  first.fill();
+  second.fill();
+  third.fill();
+  if (!first.isUsable() || !second.isUsable() || !third.isUsable()) return;
+  readPictures<RowTablePath, GWorldPath>(
+      Pictures<1>{picture}, [&](auto /*path*/, const auto& readers) {
+        if (!first.open() || !second.open() || !third.open()) return;
+        *count = countPixels(readers[0], first.counters, second.counters, third.counters);
+      });
+}
+
+}  // namespace qrz

@@ -1,0 +1,133 @@
+// ExtractColorRectangleMaskQRZ: the coloured areas of a picture as black
+// rectangles on white.
+
+#include "plugin/analysis/bit_map.h"
+#include "plugin/pixels/filter.h"
+
+#define QRZ_KERNEL "plugin/kernels/colored_areas.inc"
+#include "plugin/kernels/for_each_level.h"
+
+namespace qrz {
+namespace {
+
+/// All bounds are included.
+struct Box {
+  int32_t left, top, right, bottom;
+};
+
+/// The coloured pixels that no box covers yet, and the pixels that are covered.
+/// The coloured pixels have a ring around them, never coloured, so that no box
+/// can leave the picture: pixel (x, y) is bit (x + 1, y + 1).
+class ColoredAreas {
+ public:
+  ColoredAreas(int32_t width, int32_t height)
+      : width_(width),
+        height_(height),
+        colored_(int64_t{width} + 2, int64_t{height} + 2),
+        coloredByColumn_(int64_t{height} + 2, int64_t{width} + 2),
+        covered_(width, height) {}
+
+  explicit operator bool() const { return colored_ && coloredByColumn_ && covered_; }
+
+  template <typename Path>
+  void mark(const PictureReader<Path>& reader, const Area& area) {
+    for (int32_t y = area.y0; y < area.y1; ++y) {
+      for (int32_t x = area.x0; x < area.x1; x += 32) {
+        const int32_t count = area.x1 - x < 32 ? area.x1 - x : 32;
+        uint32_t bits =
+            QRZ_KERNEL_CALL(coloredBits<typename Path::Format>(reader.row(y) + x, count));
+        for (; bits != 0; bits &= bits - 1) markPixel(x + 1 + __builtin_ctz(bits), y + 1);
+      }
+    }
+  }
+
+  /// Covers all coloured pixels by boxes. Each starts at the topmost, leftmost
+  /// coloured pixel that is left. Since covering only takes pixels away, the
+  /// next one lies behind it: the picture is scanned once.
+  void cover() {
+    for (int32_t y = 1; y <= height_; ++y) {
+      for (int32_t x = colored_.next(y, 1, width_ + 1); x <= width_;
+           x = colored_.next(y, x, width_ + 1)) {
+        coverBox(grow({x, y, x, y}));
+      }
+    }
+  }
+
+  /// Writes the covered pixels black, the others white.
+  template <typename Path>
+  void draw(const PictureWriter<Path>& writer) const {
+    for (int32_t y = 0; y < height_; ++y) {
+      QRZ_KERNEL_CALL(
+          drawBitsRow<typename Path::Format>(writer.row(y), width_, covered_.rowWords(y)));
+    }
+  }
+
+ private:
+  void markPixel(int32_t x, int32_t y) {
+    colored_.set(x, y);
+    coloredByColumn_.set(y, x);
+  }
+
+  /// Moves each side by one pixel as long as there is a coloured one beside it,
+  /// all four in turn; pixels at the corners do not count.
+  [[nodiscard]] Box grow(Box box) const {
+    for (bool moved = true; moved;) {
+      const bool up = colored_.any(box.top - 1, box.left, box.right);
+      if (up) --box.top;
+      const bool down = colored_.any(box.bottom + 1, box.left, box.right);
+      if (down) ++box.bottom;
+      const bool toLeft = coloredByColumn_.any(box.left - 1, box.top, box.bottom);
+      if (toLeft) --box.left;
+      const bool toRight = coloredByColumn_.any(box.right + 1, box.top, box.bottom);
+      if (toRight) ++box.right;
+      moved = up || down || toLeft || toRight;
+    }
+    return box;
+  }
+
+  void coverBox(const Box& box) {
+    for (int32_t y = box.top; y <= box.bottom; ++y) {
+      colored_.fill(y, box.left, box.right, false);
+      covered_.fill(y - 1, box.left - 1, box.right - 1, true);
+    }
+    for (int32_t x = box.left; x <= box.right; ++x) {
+      coloredByColumn_.fill(x, box.top, box.bottom, false);
+    }
+  }
+
+  int32_t width_, height_;
+  BitMap colored_;
+  BitMap coloredByColumn_;  ///< the same, with rows and columns exchanged
+  BitMap covered_;          ///< without the ring
+};
+
+}  // namespace
+
+/// A new picture of the picture's size, black and white: black rectangles cover
+/// the coloured pixels (red, green and blue not all equal) inside the rectangle.
+/// Each starts at a coloured pixel and grows until no coloured one touches its
+/// sides; touching at a corner does not count. The time does not depend on how
+/// many there are. Nil if the picture cannot be read, no new one can be made or
+/// there is no memory.
+HostPicture ExtractColorRectangleMaskRectangleQRZ(HostPicture picture, int32_t left, int32_t top,
+                                                  int32_t width, int32_t height) {
+  HostPicture result = nullptr;
+  readPictures(Pictures<1>{picture}, [&](auto path, const auto& readers) {
+    const auto& reader = readers[0];
+    ColoredAreas areas(reader.width(), reader.height());
+    PictureWriter<decltype(path)> writer;
+    if (!areas || !writer.create(reader.width(), reader.height())) return;
+    areas.mark(reader, Rectangle{left, top, width, height}.within(reader.width(), reader.height()));
+    areas.cover();
+    areas.draw(writer);
+    result = writer.finish();
+  });
+  return result;
+}
+
+/// ExtractColorRectangleMaskRectangleQRZ on the whole picture.
+HostPicture ExtractColorRectangleMaskQRZ(HostPicture picture) {
+  return ExtractColorRectangleMaskRectangleQRZ(picture, 0, 0, -1, -1);
+}
+
+}  // namespace qrz

@@ -1,0 +1,165 @@
+// FindPicture: the first exact copy of one picture inside another.
+
+#include "plugin/analysis/window_hash.h"
+#include "plugin/pixels/buffer.h"
+#include "plugin/pixels/filter.h"
+
+#define QRZ_KERNEL "plugin/kernels/compare.inc"
+#include "plugin/kernels/for_each_level.h"
+#define QRZ_KERNEL "plugin/kernels/window_hash.inc"
+#include "plugin/kernels/for_each_level.h"
+
+namespace qrz {
+namespace {
+
+struct Position {
+  int32_t x, y;
+};
+
+/// Searches row by row from the top, in each row from the left. Where hardly
+/// anything matches, comparing the pictures at every place is quickest. Where
+/// much matches almost (flat or repeating pictures) that would take the product
+/// of both sizes: once it has cost too much, only places whose hash is that of
+/// the pattern are compared.
+template <typename Path>
+class PictureSearch {
+ public:
+  using Reader = PictureReader<Path>;
+  using Format = typename Path::Format;
+
+  PictureSearch(const Reader& haystack, const Reader& pattern)
+      : haystack_(haystack),
+        pattern_(pattern),
+        columns_(haystack.width() - pattern.width() + 1),
+        rows_(haystack.height() - pattern.height() + 1) {}
+
+  /// Whether the pattern was found; then `found` is its first place.
+  bool run(Position& found) {
+    if (pattern_.width() < 1 || pattern_.height() < 1) return false;
+    int32_t firstRow = 0;
+    for (; firstRow < rows_ && compared_ <= affordable(); ++firstRow) {
+      if (findInRow(firstRow, found)) return true;
+    }
+    return findByHash(firstRow, found);
+  }
+
+ private:
+  /// Pixels that may be compared in vain before hashing pays.
+  [[nodiscard]] int64_t affordable() const {
+    return 8 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
+  }
+
+  /// Compares the pictures at one place.
+  bool matchesAt(Position place) {
+    for (int32_t y = 0; y < pattern_.height(); ++y) {
+      const PixelWord* row = haystack_.row(place.y + y) + place.x;
+      const int32_t equal =
+          QRZ_KERNEL_CALL(equalPixels<Format>(pattern_.row(y), row, pattern_.width()));
+      compared_ += equal;
+      if (equal < pattern_.width()) return false;
+    }
+    return true;
+  }
+
+  /// Compares at every place of a row whose pixel is the pattern's first one.
+  bool findInRow(int32_t y, Position& found) {
+    const uint32_t first = pattern_.row(0)[0];
+    const PixelWord* row = haystack_.row(y);
+    for (int32_t x = 0; x < columns_; ++x) {
+      if (((row[x] ^ first) & Format::colourMask) != 0) continue;
+      if (!matchesAt({x, y})) continue;
+      found = {x, y};
+      return true;
+    }
+    return false;
+  }
+
+  /// The hash of the pattern.
+  uint32_t patternHash(const Buffer<uint32_t>& hashes) const {
+    for (int32_t y = 0; y < pattern_.height(); ++y) {
+      slide(hashes, pattern_.width(), pattern_.row(y), nullptr);
+    }
+    uint32_t hash = 0;
+    for (int32_t x = 0; x < pattern_.width(); ++x) {
+      hash = hashPlus(hashTimes(hash, kRowBase), hashes[x]);
+      hashes[x] = 0;
+    }
+    return hash;
+  }
+
+  void slide(const Buffer<uint32_t>& hashes, int32_t width, const PixelWord* entering,
+             const PixelWord* leaving) const {
+    QRZ_KERNEL_CALL(slideColumns<Format>(hashes.data(), width, entering, leaving, columnPower_));
+  }
+
+  /// Compares at the places of a row whose hash is right; `hashes` are those of
+  /// the haystack's columns from this row on.
+  bool findInRowByHash(int32_t y, const Buffer<uint32_t>& hashes, uint32_t wanted,
+                       Position& found) {
+    const int32_t width = pattern_.width();
+    const uint32_t power = hashPower(kRowBase, width);
+    uint32_t hash = 0;
+    for (int32_t x = 0; x < width; ++x) hash = hashPlus(hashTimes(hash, kRowBase), hashes[x]);
+    for (int32_t x = 0;; ++x) {
+      if (hash == wanted && matchesAt({x, y})) {
+        found = {x, y};
+        return true;
+      }
+      if (x + 1 >= columns_) return false;
+      hash = hashPlus(hashTimes(hash, kRowBase), hashes[x + width]);
+      hash = hashMinus(hash, hashTimes(hashes[x], power));
+    }
+  }
+
+  /// Goes on from a row. Without memory for the hashes it compares everywhere.
+  bool findByHash(int32_t firstRow, Position& found) {
+    if (firstRow >= rows_) return false;
+    const Buffer<uint32_t> hashes(haystack_.width());
+    const uint32_t wanted = hashes ? patternHash(hashes) : 0;
+    for (int32_t y = firstRow; hashes && y < firstRow + pattern_.height() - 1; ++y) {
+      slide(hashes, haystack_.width(), haystack_.row(y), nullptr);
+    }
+    for (int32_t y = firstRow; y < rows_; ++y) {
+      if (!hashes) {
+        if (findInRow(y, found)) return true;
+        continue;
+      }
+      slide(hashes, haystack_.width(), haystack_.row(y + pattern_.height() - 1),
+            y > firstRow ? haystack_.row(y - 1) : nullptr);
+      if (findInRowByHash(y, hashes, wanted, found)) return true;
+    }
+    return false;
+  }
+
+  const Reader& haystack_;
+  const Reader& pattern_;
+  const int32_t columns_, rows_;  ///< places to look at; none if below 1
+  const uint32_t columnPower_ = hashPower(kColumnBase, pattern_.height());
+  int64_t compared_ = 0;
+};
+
+}  // namespace
+
+/// Looks for the first place, by rows and then by columns, where `pic` lies in
+/// the picture with exactly its colours; pads are not compared. 1 and the place
+/// of its top left pixel, or 0 and (0, 0): also if one of the pictures is nil,
+/// cannot be read or is empty, or `pic` is larger. What x and y held before does
+/// not count. The time is that of a few passes over the picture, whatever the
+/// pictures hold.
+int32_t FindPicture(HostPicture picture, HostPicture pic, int32_t* x, int32_t* y) {
+  *x = 0;
+  *y = 0;
+  bool isFound = false;
+  readPictures<RowTablePath, GWorldPath>(
+      Pictures<2>{picture, pic}, [&](auto path, const auto& readers) {
+        Position place{};
+        PictureSearch<decltype(path)> search(readers[0], readers[1]);
+        isFound = search.run(place);
+        if (!isFound) return;
+        *x = place.x;
+        *y = place.y;
+      });
+  return isFound ? 1 : 0;
+}
+
+}  // namespace qrz

@@ -39,4 +39,20 @@ static_assert(offsetof(FilterInstance, MaxX) == 16);
 static_assert(offsetof(FilterInstance, MaxY) == 20);
 static_assert(sizeof(FilterInstance) == 24);
 
+/// The record of a property that is a field of the instance data DATA.
+#define QRZ_HOST_FIELD(DATA, NAME, TYPE, FLAGS)                                \
+  {                                                                            \
+    nullptr, #NAME, TYPE, FLAGS, QRZ_HOST_FIELD_ACCESS, QRZ_HOST_FIELD_ACCESS, \
+        offsetof(DATA, NAME), {}                                               \
+  }
+
+/// The records of the fields above, in the order of registration.
+#define QRZ_FILTER_FIELDS(FLAGS)                                            \
+  QRZ_HOST_FIELD(FilterInstance, SourcePicture, "Picture", FLAGS),          \
+      QRZ_HOST_FIELD(FilterInstance, DestinationPicture, "Picture", FLAGS), \
+      QRZ_HOST_FIELD(FilterInstance, MaxX, "Integer", FLAGS),               \
+      QRZ_HOST_FIELD(FilterInstance, MinX, "Integer", FLAGS),               \
+      QRZ_HOST_FIELD(FilterInstance, MaxY, "Integer", FLAGS),               \
+      QRZ_HOST_FIELD(FilterInstance, MinY, "Integer", FLAGS)
+
 }  // namespace qrz

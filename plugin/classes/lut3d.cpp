@@ -44,17 +44,7 @@ void SetTableLut3DQRZ(HostObject instance, int32_t r, int32_t g, int32_t b, int3
   if (Lut3DElement* element = elementAt(instance, r, g, b, x)) *element = value;
 }
 
-#define QRZ_FIELD(NAME, TYPE)                                                        \
-  {                                                                                  \
-    nullptr, #NAME, TYPE, kMemberFlag, QRZ_HOST_FIELD_ACCESS, QRZ_HOST_FIELD_ACCESS, \
-        offsetof(FilterInstance, NAME), {}                                           \
-  }
-
-PropertyRecord properties[] = {
-    QRZ_FIELD(SourcePicture, "Picture"), QRZ_FIELD(DestinationPicture, "Picture"),
-    QRZ_FIELD(MaxX, "Integer"),          QRZ_FIELD(MinX, "Integer"),
-    QRZ_FIELD(MaxY, "Integer"),          QRZ_FIELD(MinY, "Integer"),
-};
+PropertyRecord properties[] = {QRZ_FILTER_FIELDS(kMemberFlag)};
 
 MethodRecord methods[] = {
     {reinterpret_cast<HostFunction>(CloseLut3DQRZ), nullptr, "Close", kMemberFlag},

@@ -36,19 +36,15 @@ class PictureSearch {
   /// Whether the pattern was found; then `found` is its first place.
   bool run(Position& found) {
     if (pattern_.width() < 1 || pattern_.height() < 1) return false;
-    int32_t firstRow = 0;
-    for (; firstRow < rows_ && compared_ <= affordable(); ++firstRow) {
-      if (findInRow(firstRow, found)) return true;
+    int32_t y = 0;
+    for (; y < rows_; ++y) {
+      if (findInRow(y, found)) return true;
+      if (compared_ > affordable_) break;
     }
-    return findByHash(firstRow, found);
+    return findByHash(y, found);
   }
 
  private:
-  /// Pixels that may be compared in vain before hashing pays.
-  [[nodiscard]] int64_t affordable() const {
-    return 8 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
-  }
-
   /// Compares the pictures at one place.
   bool matchesAt(Position place) {
     for (int32_t y = 0; y < pattern_.height(); ++y) {
@@ -61,15 +57,18 @@ class PictureSearch {
     return true;
   }
 
-  /// Compares at every place of a row whose pixel is the pattern's first one.
+  /// Compares at every place of a row whose pixel is the pattern's first one,
+  /// as long as that is affordable.
   bool findInRow(int32_t y, Position& found) {
     const uint32_t first = pattern_.row(0)[0];
     const PixelWord* row = haystack_.row(y);
     for (int32_t x = 0; x < columns_; ++x) {
       if (((row[x] ^ first) & Format::colourMask) != 0) continue;
-      if (!matchesAt({x, y})) continue;
-      found = {x, y};
-      return true;
+      if (matchesAt({x, y})) {
+        found = {x, y};
+        return true;
+      }
+      if (compared_ > affordable_) return false;
     }
     return false;
   }
@@ -111,22 +110,28 @@ class PictureSearch {
     }
   }
 
-  /// Goes on from a row. Without memory for the hashes it compares everywhere.
+  /// Searches on from a row. Without memory for the hashes, costs do not count.
   bool findByHash(int32_t firstRow, Position& found) {
     if (firstRow >= rows_) return false;
     const Buffer<uint32_t> hashes(haystack_.width());
-    const uint32_t wanted = hashes ? patternHash(hashes) : 0;
-    for (int32_t y = firstRow; hashes && y < firstRow + pattern_.height() - 1; ++y) {
+    if (!hashes) return findByComparing(firstRow, found);
+    const uint32_t wanted = patternHash(hashes);
+    const int32_t height = pattern_.height();
+    for (int32_t y = firstRow; y < firstRow + height - 1; ++y) {
       slide(hashes, haystack_.width(), haystack_.row(y), nullptr);
     }
     for (int32_t y = firstRow; y < rows_; ++y) {
-      if (!hashes) {
-        if (findInRow(y, found)) return true;
-        continue;
-      }
-      slide(hashes, haystack_.width(), haystack_.row(y + pattern_.height() - 1),
-            y > firstRow ? haystack_.row(y - 1) : nullptr);
+      const PixelWord* leaving = y > firstRow ? haystack_.row(y - 1) : nullptr;
+      slide(hashes, haystack_.width(), haystack_.row(y + height - 1), leaving);
       if (findInRowByHash(y, hashes, wanted, found)) return true;
+    }
+    return false;
+  }
+
+  bool findByComparing(int32_t firstRow, Position& found) {
+    affordable_ = INT64_MAX;
+    for (int32_t y = firstRow; y < rows_; ++y) {
+      if (findInRow(y, found)) return true;
     }
     return false;
   }
@@ -136,6 +141,8 @@ class PictureSearch {
   const int32_t columns_, rows_;  ///< places to look at; none if below 1
   const uint32_t columnPower_ = hashPower(kColumnBase, pattern_.height());
   int64_t compared_ = 0;
+  /// Pixels that may be compared in vain before hashing pays.
+  int64_t affordable_ = 8 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
 };
 
 }  // namespace

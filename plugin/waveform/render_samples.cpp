@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "plugin/binding/properties.h"
-#include "plugin/pixels/convert.h"
 #include "plugin/pixels/filter.h"
 #include "plugin/waveform/waveform.h"
 #include "plugin/waveform/wu_line.h"
@@ -35,7 +34,7 @@ void drawBars(const PictureWriter<Path>& writer, const Waveform& waveform, int32
   for (int32_t y = 0; y < height; ++y) {
     PixelWord* row = writer.row(y);
     if (y == middle) {
-      std::fill(row, row + width, pixels.bar);
+      for (int32_t x = 0; x < width; ++x) row[x] = pixels.bar;
     } else if (y < middle) {
       QRZ_KERNEL_CALL(barRowAbove(row, width, waveform.first(), waveform.second(), y, pixels));
     } else {
@@ -95,7 +94,8 @@ void drawWideOutline(HostPicture picture, const Waveform& waveform, int32_t midd
   SetPenHeightProperty(asObject(graphics.get()), outlineWidth);
   SetPenWidthProperty(asObject(graphics.get()), outlineWidth);
   const auto moved = [outlineWidth](int64_t coordinate) {
-    return saturatedInteger(static_cast<double>(coordinate - outlineWidth / 2));
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(coordinate - outlineWidth / 2, INT32_MIN, INT32_MAX));
   };
   drawOutline(waveform, middle, [&](LinePoint from, LinePoint to) {
     service::RuntimeGraphicsDrawLine(graphics.get(), moved(from.x), moved(from.y), moved(to.x),

@@ -1,5 +1,6 @@
 // The Memory Manager: handles.
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -13,6 +14,7 @@ namespace {
 struct HandleRecord {
   char* master;
   long size;
+  long capacity;
   int32_t locks;
 };
 
@@ -22,13 +24,23 @@ constexpr int16_t kNoError = 0;
 constexpr int16_t kMemoryFull = -108;
 constexpr int16_t kBadParameter = -50;
 
+/// One byte more, since an empty block may be null.
+size_t blockSize(long capacity) { return static_cast<size_t>(capacity) + 1; }
+
+bool reallocate(HandleRecord* record, long capacity) {
+  auto* moved = static_cast<char*>(realloc(record->master, blockSize(capacity)));
+  if (moved == nullptr) return false;
+  record->master = moved;
+  record->capacity = capacity;
+  return true;
+}
+
 }  // namespace
 
 Handle newHandle(long size) {
   if (size < 0) return nullptr;
-  // One byte more, since an empty block may be null.
-  auto* bytes = static_cast<char*>(calloc(static_cast<size_t>(size) + 1, 1));
-  auto* record = bytes != nullptr ? new (std::nothrow) HandleRecord{bytes, size, 0} : nullptr;
+  auto* bytes = static_cast<char*>(calloc(blockSize(size), 1));
+  auto* record = bytes != nullptr ? new (std::nothrow) HandleRecord{bytes, size, size, 0} : nullptr;
   if (record == nullptr) {
     free(bytes);
     return nullptr;
@@ -39,8 +51,25 @@ Handle newHandle(long size) {
 
 long sizeOf(Handle handle) { return recordOf(handle)->size; }
 
+bool resizeHandle(Handle handle, long size) {
+  HandleRecord* record = recordOf(handle);
+  if (size > record->capacity) {
+    // With room for more, so that many small steps cost little.
+    const long roomy = size <= LONG_MAX / 2 ? size + size / 2 : size;
+    if (!reallocate(record, roomy) && !reallocate(record, size)) return false;
+  }
+  record->size = size;
+  return true;
+}
+
+void trimHandle(Handle handle) {
+  HandleRecord* record = recordOf(handle);
+  reallocate(record, record->size);
+}
+
 void disposeHandle(Handle handle) {
   if (handle == nullptr) return;
+  forgetRecording(handle);
   HandleRecord* record = recordOf(handle);
   held.handleLocks -= record->locks;
   --held.handles;

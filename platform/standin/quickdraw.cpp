@@ -1,10 +1,10 @@
-// QuickDraw: offscreen worlds, ports, regions, scrolling, PICT recording.
+// QuickDraw: offscreen worlds, ports, regions, scrolling.
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
+#include "platform/standin/box.h"
 #include "platform/standin/state.h"
 
 struct OpaquePixMap {
@@ -79,16 +79,6 @@ int32_t encodePixel(uint32_t rgb, int32_t depth, uint8_t (&bytes)[4]) {
   return 4 - pad;
 }
 
-/// A rectangle in plain integers; empty if left >= right or top >= bottom.
-struct Box {
-  int32_t left, top, right, bottom;
-};
-
-Box intersect(const Box& a, const Box& b) {
-  return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-          std::min(a.bottom, b.bottom)};
-}
-
 uint8_t* pixelAddress(const Pixels& pixels, int32_t x, int32_t y) {
   return pixels.base + static_cast<ptrdiff_t>(y) * pixels.rowBytes + x * (pixels.depth / 8);
 }
@@ -127,7 +117,7 @@ Box uncovered(const Box& box, int32_t dh, int32_t dv) {
 /// Scrolls what is in the box, and clears what the move uncovers.
 void scrollBox(const Pixels& pixels, const Box& box, int32_t dh, int32_t dv, uint32_t background) {
   const Box kept = intersect(box, {box.left + dh, box.top + dv, box.right + dh, box.bottom + dv});
-  if (kept.left >= kept.right || kept.top >= kept.bottom) {
+  if (kept.isEmpty()) {
     fillBox(pixels, box, background);
     return;
   }
@@ -250,28 +240,12 @@ void SetRect(Rect* rect, int16_t left, int16_t top, int16_t right, int16_t botto
 void ScrollRect(const Rect* rect, int16_t dh, int16_t dv, RgnHandle update) {
   called("ScrollRect");
   const standin::Pixels& pixels = standin::currentPort->map.pixels;
-  const standin::Box box = standin::intersect({rect->left, rect->top, rect->right, rect->bottom},
-                                              {0, 0, pixels.width, pixels.height});
-  if (pixels.base == nullptr || box.left >= box.right || box.top >= box.bottom) return;
+  const standin::Box box =
+      standin::intersect(standin::boxOf(*rect), {0, 0, pixels.width, pixels.height});
+  if (pixels.base == nullptr || box.isEmpty()) return;
   standin::scrollBox(pixels, box, dh, dv, standin::currentPort->background);
   if (update == nullptr) return;
-  const standin::Box area = standin::uncovered(box, dh, dv);
-  (*update)->bounds = {static_cast<int16_t>(area.top), static_cast<int16_t>(area.left),
-                       static_cast<int16_t>(area.bottom), static_cast<int16_t>(area.right)};
-}
-
-// Recording PICT data does not work yet: there is never a recording.
-
-PicHandle OpenCPicture(const OpenCPicParams* /*parameters*/) {
-  called("OpenCPicture");
-  return nullptr;
-}
-
-void ClosePicture() { called("ClosePicture"); }
-
-void KillPicture(PicHandle picture) {
-  called("KillPicture");
-  standin::disposeHandle(reinterpret_cast<Handle>(picture));
+  (*update)->bounds = standin::rectOf(standin::uncovered(box, dh, dv));
 }
 
 void ForeColor(long color) {

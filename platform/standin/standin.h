@@ -6,6 +6,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <span>
 
 #include "platform/platform.h"
 
@@ -45,6 +47,36 @@ Handle newHandle(long size);
 void disposeHandle(Handle handle);
 long sizeOf(Handle handle);
 
+// --- PICT data ---------------------------------------------------------------
+
+/// Whether a recording is open: what is drawn then is recorded and not shown.
+bool isRecording();
+
+/// Writes `count` words 0x00RRGGBB, of the pixels from (x, y) on. May throw
+/// std::bad_alloc.
+using ReadRow = std::function<void(int32_t x, int32_t y, int32_t count, uint32_t* words)>;
+
+/// Records pixels that cover `place`; they are counted from its top left. A
+/// picture for which there is no memory ends up with an empty frame.
+void recordPixels(const Rect& place, const ReadRow& readRow);
+
+/// The frame of PICT data; empty if the data is too short to have one.
+Rect pictFrame(std::span<const uint8_t> data);
+
+/// Rows of words 0x00RRGGBB without gaps.
+struct Canvas {
+  uint32_t* words;
+  int32_t width;
+  int32_t height;
+};
+
+/// Draws PICT data so that its frame covers the canvas. Damaged data and what
+/// cannot be read end the drawing; what came before stays. Throws std::bad_alloc
+/// without memory.
+void drawPict(std::span<const uint8_t> data, const Canvas& canvas);
+
+// --- Watching ----------------------------------------------------------------
+
 /// What is held at the moment.
 struct Counts {
   int32_t pixelLocks;   ///< LockPixels without UnlockPixels
@@ -53,6 +85,7 @@ struct Counts {
   int32_t regions;
   int32_t worlds;
   int32_t contexts;
+  int32_t recordings;  ///< OpenCPicture without ClosePicture
 };
 Counts counts();
 

@@ -1,6 +1,5 @@
 #include "host/core/pixel_store.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -191,38 +190,6 @@ class BitmapStore final : public PixelStore {
   qrz::HostBitmap record_{};
 };
 
-class PictStore final : public PixelStore {
- public:
-  explicit PictStore(Handle handle) : handle_(handle) {
-    if (standin::sizeOf(handle) < 10) return;
-    width_ = std::max(coordinate(8) - coordinate(4), 0);
-    height_ = std::max(coordinate(6) - coordinate(2), 0);
-  }
-  ~PictStore() override { standin::disposeHandle(handle_); }
-
-  [[nodiscard]] int32_t type() const override { return qrz::kPictData; }
-  [[nodiscard]] void* data() override { return handle_; }
-  [[nodiscard]] std::string name() const override { return "PICT data"; }
-  [[nodiscard]] int32_t width() const override { return width_; }
-  [[nodiscard]] int32_t height() const override { return height_; }
-
-  void read(const Run& run, uint32_t* words) const override {
-    std::fill_n(words, run.count, kWhite);
-  }
-  void write(const Run& /*run*/, const uint32_t* /*words*/) override {}
-
- private:
-  /// A big-endian 16-bit coordinate of the frame.
-  [[nodiscard]] int32_t coordinate(ptrdiff_t offset) const {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(*handle_) + offset;
-    return static_cast<int16_t>(bytes[0] << 8 | bytes[1]);
-  }
-
-  Handle handle_;
-  int32_t width_ = 0;
-  int32_t height_ = 0;
-};
-
 std::unique_ptr<PixelStore> newContextStore(Bytes bytes, int32_t width, int32_t height,
                                             int32_t rowBytes) {
   CGContextRef context =
@@ -273,7 +240,5 @@ std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_
 std::unique_ptr<PixelStore> gworldStore(GWorldPtr world, bool owned) {
   return std::make_unique<GWorldStore>(world, owned);
 }
-
-std::unique_ptr<PixelStore> pictStore(Handle data) { return std::make_unique<PictStore>(data); }
 
 }  // namespace host

@@ -59,7 +59,9 @@ std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_
 std::unique_ptr<PixelStore> gworldStore(GWorldPtr world, bool owned);
 
 /// A store that holds PICT data and owns the handle. Its size is the picture's
-/// frame. Drawing PICT data does not work yet: its pixels read as white.
+/// frame. It shows what the data draws on white, from the first time its pixels
+/// are read; without memory for them a read throws std::bad_alloc. Pixels that
+/// are written to it are dropped.
 std::unique_ptr<PixelStore> pictStore(Handle data);
 
 }  // namespace host

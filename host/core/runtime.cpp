@@ -47,6 +47,7 @@ std::vector<std::string> Runtime::findLeaks() const {
   report(counts.regions, "regions still allocated");
   report(counts.worlds, "GWorlds still allocated");
   report(counts.contexts, "bitmap contexts still allocated");
+  report(counts.recordings, "PICT recordings still open");
   return lines;
 }
 

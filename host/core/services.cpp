@@ -234,18 +234,37 @@ void graphicsDrawLine(void* handle, int32_t x1, int32_t y1, int32_t x2, int32_t 
   }
 }
 
-/// Into the current port, if it has pixels.
+/// All of a picture in a rectangle.
+Placement placementIn(const Rect& rect, const Picture& picture) {
+  return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+          0,         0,        picture.width(),        picture.height()};
+}
+
+/// Records the picture as it looks on white.
+void recordPicture(const Picture& picture, const Rect& rect) {
+  standin::recordPixels(rect, [&](int32_t x, int32_t y, int32_t count, uint32_t* words) {
+    const auto line = Picture::create(Storage::Bitmap, count, 1);
+    if (!line) throw std::bad_alloc();
+    Placement placement = placementIn(rect, picture);
+    placement.x = -x;
+    placement.y = -y;
+    drawPicture(*line, picture, placement);
+    line->store().read({0, 0, count}, words);
+  });
+}
+
+/// Into the current port, if it has pixels, or into the open recording.
 void drawPrimitive(void* handle, const Rect* rect, int32_t /*zero*/) {
   called("drawPicturePrimitive");
   auto* picture = checked<Picture>(handle, "drawPicturePrimitive");
+  if (picture == nullptr) return;
+  if (standin::isRecording()) return recordPicture(*picture, *rect);
   CGrafPtr port = nullptr;
   GDHandle device = nullptr;
   GetGWorld(&port, &device);
-  if (picture == nullptr || standin::pixelsOf(port).base == nullptr) return;
+  if (standin::pixelsOf(port).base == nullptr) return;
   const auto target = makeObject<Picture>(gworldStore(port, false));
-  drawPicture(*target, *picture,
-              {rect->left, rect->top, rect->right - rect->left, rect->bottom - rect->top, 0, 0,
-               picture->width(), picture->height()});
+  drawPicture(*target, *picture, placementIn(*rect, *picture));
 }
 
 // --- Pictures ----------------------------------------------------------------

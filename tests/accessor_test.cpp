@@ -7,6 +7,7 @@
 
 #include "platform/standin/standin.h"
 #include "plugin/binding/description.h"
+#include "tests/support/pict.h"
 #include "tests/support/plugin_test.h"
 
 namespace host {
@@ -100,6 +101,13 @@ TEST_F(AccessorTest, CallsOnACopy) {
               joined({refuseDepth, makeCopy, openGWorld, dropCopy, createGWorld, finishGWorld,
                       closeGWorld}));
   }
+}
+
+TEST_F(AccessorTest, CallsOnPictData) {
+  const auto source = pictureOver(record(picture(Storage::GWorld)));
+  EXPECT_EQ(callsOfInvert(source), joined({refuse, makeCopy, openGWorld, dropCopy, createGWorld,
+                                           finishGWorld, closeGWorld}));
+  EXPECT_TRUE(inverts(source));
 }
 
 TEST_F(AccessorTest, EmptyRectangleStillMakesAPicture) {

@@ -1,0 +1,232 @@
+// PICT data as it is recorded: round trips, its layout, and what is refused.
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+
+#include "host/core/runtime.h"
+#include "host/files/picture_io.h"
+#include "tests/support/command.h"
+#include "tests/support/pict.h"
+
+namespace host {
+namespace {
+
+class PictRecordingTest : public PictTest {};
+
+// --- Round trips -------------------------------------------------------------
+
+TEST_F(PictRecordingTest, RecordedPicturesShowTheSamePixels) {
+  uint32_t last = 0;
+  const std::pair<const char*, std::function<uint32_t()>> kinds[] = {
+      {"random", [&] { return random(); }},
+      {"flat", [] { return 0x12345678U; }},
+      {"runs", [&] { return random() % 4 == 0 ? last = random() & 0x00FF00FF : last; }},
+      {"short runs", [&] { return random() % 3 != 0 ? last = random() & 0x03010201 : last; }},
+  };
+  for (const int32_t width :
+       {1, 2, 3, 42, 43, 62, 63, 66, 67, 83, 84, 200, 4095, 4096, 5000, 8190, 8191, 32767}) {
+    for (const auto& [kind, pixel] : kinds) {
+      const auto source = filled(width, 3, pixel);
+      const auto picture = pictureOver(record(source));
+      ASSERT_TRUE(picture);
+      EXPECT_EQ(picture->describe(), "Picture " + std::to_string(width) + "x3 (PICT data)");
+      EXPECT_TRUE(picture->pixels() == colors(*source)) << width << " wide, " << kind;
+    }
+  }
+  const auto tall = randomPicture(2, 32767);
+  EXPECT_TRUE(pictureOver(record(tall))->pixels() == colors(*tall));
+}
+
+TEST_F(PictRecordingTest, EveryRepresentationIsRecorded) {
+  for (const auto& [storage, depth] : {std::pair{Storage::GWorld, 24},
+                                       {Storage::GWorld, 16},
+                                       {Storage::Context, 32},
+                                       {Storage::Bitmap, 32}}) {
+    const auto source = Picture::create(storage, 31, 5, depth);
+    source->setPixels(randomPicture(31, 5)->pixels());
+    const auto once = pictureOver(record(source));
+    const auto twice = pictureOver(record(once));
+    EXPECT_EQ(once->pixels(), colors(*source)) << source->describe();
+    EXPECT_EQ(twice->pixels(), colors(*source)) << source->describe();
+  }
+}
+
+class PictFileTest : public FolderTest {};
+
+TEST_F(PictFileTest, PicturesOfPictDataAreSavedAndCopied) {
+  const auto source = openPicture("sample:landscape@160x90");
+  const auto picture = pictureOver(record(source));
+  savePicture(*picture, path("saved.png"));
+  EXPECT_EQ(colors(*openPicture(path("saved.png"))), colors(*source));
+  for (const Storage storage : {Storage::GWorld, Storage::Bitmap}) {
+    const auto copy = Picture::create(storage, 160, 90);
+    drawPicture(*copy, *picture, {0, 0, 160, 90, 0, 0, 160, 90});
+    EXPECT_EQ(colors(*copy), colors(*source));
+  }
+}
+
+TEST_F(PictRecordingTest, MasksShowWhitePaper) {
+  const auto source = randomPicture(9, 4);
+  source->mask = randomPicture(9, 4);
+  const auto paper = Picture::create(Storage::GWorld, 9, 4);
+  drawPicture(*paper, *source, {0, 0, 9, 4, 0, 0, 9, 4});
+  EXPECT_EQ(pictureOver(record(source))->pixels(), paper->pixels());
+}
+
+TEST_F(PictRecordingTest, WhatIsDrawnGoesToTheRecordingOnly) {
+  CGrafPtr screen = nullptr;
+  GDHandle device = nullptr;
+  GetGWorld(&screen, &device);
+  const auto port = Picture::create(Storage::GWorld, 40, 30);
+  const auto expected = Picture::create(Storage::GWorld, 40, 30);
+  SetGWorld(static_cast<GWorldPtr>(port->store().data()), nullptr);
+  PicHandle data = startRecording(40, 30);
+  for (int i = 0; i < 20; ++i) {
+    const auto number = [&](int low, int high) {
+      return static_cast<int16_t>(low + static_cast<int>(random() % 1000) % (high - low));
+    };
+    const auto source = randomPicture(number(1, 20), number(1, 20));
+    Rect rect{number(-10, 30), number(-10, 40), 0, 0};
+    rect.bottom = static_cast<int16_t>(rect.top + number(0, 25));
+    rect.right = static_cast<int16_t>(rect.left + number(0, 25));
+    drawPrimitive(source, rect);
+    drawPicture(*expected, *source,
+                {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, 0, 0,
+                 source->width(), source->height()});
+  }
+  ClosePicture();
+  EXPECT_EQ(pictureOver(data)->pixels(), expected->pixels());
+  EXPECT_EQ(port->pixels(), Words(40 * 30, 0x00FFFFFF));
+  drawPrimitive(expected, {0, 0, 30, 40});
+  EXPECT_EQ(port->pixels(), expected->pixels()) << "nothing is recorded any more";
+  SetGWorld(screen, device);
+}
+
+// --- Layout ------------------------------------------------------------------
+
+/// Everything before the first pixels of a picture, with its size.
+Bytes headerOf(const std::string& size, const std::string& bottomRight) {
+  return hex(size + "00000000" + bottomRight +
+             "0011 02FF 0C00 FFFE 0000 00480000 00480000 00000000" + bottomRight +
+             "00000000 0001 000A 00000000" + bottomRight);
+}
+
+/// A pixel map and its rectangles.
+Bytes mapOf(const std::string& rowBytes, const std::string& bounds) {
+  return hex("009A 000000FF" + rowBytes + bounds +
+             "0000 0004 00000000 00480000 00480000 0010 0020 0003 0008 00000000 00000000 00000000" +
+             bounds + bounds + "0000");
+}
+
+TEST_F(PictRecordingTest, LayoutOfNarrowPictures) {
+  EXPECT_EQ(recordedBytes(pictureOf(1, 2, {0x9A123456, 0xFF00FF80})),
+            joined({headerOf("00 84", "0002 0001"), mapOf("8004", "0000 0000 0002 0001"),
+                    hex("00123456 0000FF80 00FF")}));
+  EXPECT_EQ(recordedBytes(pictureOf(3, 2, {0x010A11, 0x020B12, 0x030C13, 0, 0, 0x000009})),
+            joined({headerOf("00 8C", "0002 0003"), mapOf("800C", "0000 0000 0002 0003"),
+                    hex("0A 08 010203 0A0B0C 111213  04 F9 00 00 09"), hex("00FF")}));
+}
+
+TEST_F(PictRecordingTest, WideRowsAreCountedInWords) {
+  const auto flat = [](int32_t width) { return filled(width, 1, [] { return 0x00777777U; }); };
+  EXPECT_EQ(recordedBytes(flat(62)),
+            joined({headerOf("00 82", "0001 003E"), mapOf("80F8", "0000 0000 0001 003E"),
+                    hex("04 81 77 C7 77 00 00FF")}));
+  EXPECT_EQ(recordedBytes(flat(63)),
+            joined({headerOf("00 82", "0001 003F"), mapOf("80FC", "0000 0000 0001 003F"),
+                    hex("0004 81 77 C4 77 00FF")}));
+}
+
+TEST_F(PictRecordingTest, VeryWidePicturesAreMapsSideBySide) {
+  Words words(4096, 0x00555555);
+  words.back() = 0x00123456;
+  std::string row;  // 12285 equal bytes
+  for (int i = 0; i < 95; ++i) row += "81 55";
+  EXPECT_EQ(recordedBytes(pictureOf(4096, 1, words)),
+            joined({headerOf("01 88", "0001 1000"), mapOf("BFFC", "0000 0000 0001 0FFF"),
+                    hex("00C0" + row + "84 55"), mapOf("8004", "0000 0FFF 0001 1000"),
+                    hex("00123456 00FF")}));
+}
+
+TEST_F(PictRecordingTest, TheSizeIsThatOfTheHandle) {
+  for (const int32_t width : {3, 100, 300}) {
+    const Bytes bytes = recordedBytes(randomPicture(width, 99));
+    EXPECT_EQ(bytes.size() % 0x10000, static_cast<size_t>(bytes[0] << 8 | bytes[1]));
+  }
+}
+
+// --- What is refused ---------------------------------------------------------
+
+TEST_F(PictRecordingTest, RecordingsThatCannotBe) {
+  ClosePicture();  // of nothing
+  standin::recordPixels({0, 0, 1, 1}, [](int32_t, int32_t, int32_t, uint32_t*) { FAIL(); });
+  EXPECT_EQ(OpenCPicture(nullptr), nullptr);
+  for (const auto& [width, height] :
+       {std::pair{0, 5}, {5, 0}, {32768, 5}, {5, 40000}, {65536, 1}}) {
+    EXPECT_EQ(startRecording(width, height), nullptr) << width << " x " << height;
+  }
+  const auto refused = [](const std::function<void(OpenCPicParams&)>& change) {
+    OpenCPicParams parameters = parametersFor(5, 5);
+    change(parameters);
+    return OpenCPicture(&parameters) == nullptr;
+  };
+  EXPECT_TRUE(refused([](auto& p) { p.srcRect = {-20000, 0, 20000, 5}; }));
+  EXPECT_TRUE(refused([](auto& p) { p.version = 0; }));
+  EXPECT_TRUE(refused([](auto& p) { p.hRes = 0; }));
+  EXPECT_TRUE(refused([](auto& p) { p.vRes = 72 << 20; })) << "less than a pixel";
+  runtime().setCallHook([](const char* call) { return strcmp(call, "OpenCPicture") != 0; });
+  EXPECT_EQ(startRecording(5, 5), nullptr);
+}
+
+TEST_F(PictRecordingTest, OneRecordingAtATime) {
+  PicHandle first = startRecording(5, 4);
+  EXPECT_EQ(startRecording(5, 4), nullptr);
+  EXPECT_EQ(standin::counts().recordings, 1);
+  EXPECT_EQ(standin::counts().handles, 1);
+  KillPicture(first);  // which ends it
+  EXPECT_FALSE(standin::isRecording());
+  PicHandle second = startRecording(5, 4);
+  ASSERT_NE(second, nullptr);
+  const auto picture = pictureOver(second);
+  EXPECT_EQ(picture->pixels(), Words(20, 0x00FFFFFF)) << "a whole picture while it is open";
+  ClosePicture();
+  EXPECT_EQ(picture->pixels(), Words(20, 0x00FFFFFF)) << "nothing was drawn";
+}
+
+TEST_F(PictRecordingTest, NoMemoryGivesAnEmptyFrame) {
+  PicHandle data = startRecording(200, 10);
+  drawPrimitive(randomPicture(200, 10), {0, 0, 10, 200});
+  const Bytes before = bytesOf(data);
+  standin::recordPixels({0, 0, 10, 200}, [](int32_t, int32_t y, int32_t count, uint32_t* words) {
+    if (y == 5) throw std::bad_alloc();
+    std::fill_n(words, count, 0);
+  });
+  drawPrimitive(randomPicture(200, 10), {0, 0, 10, 200});  // no longer recorded
+  ClosePicture();
+  const Bytes after = bytesOf(data);
+  EXPECT_EQ(Bytes(after.begin() + 2, after.begin() + 10), Bytes(8, 0));
+  EXPECT_EQ(Bytes(after.begin() + 10, after.end()), Bytes(before.begin() + 10, before.end()));
+  EXPECT_EQ(pictureOver(data)->describe(), "Picture 0x0 (PICT data)");
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST_F(PictRecordingTest, HandlesThatCannotGrow) {
+  const auto source = randomPicture(4000, 1000);
+  long pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+  const rlimit tight{static_cast<rlim_t>(pages) * 4096 + (8 << 20), before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
+  PicHandle data = record(source);
+  setrlimit(RLIMIT_AS, &before);
+  ASSERT_NE(data, nullptr);
+  EXPECT_EQ(pictureOver(data)->describe(), "Picture 0x0 (PICT data)");
+}
+#endif
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,236 @@
+// Replacing, combining and merging channels on every representation.
+
+#include <algorithm>
+
+#include "host/core/exception.h"
+#include "tests/support/checks.h"
+
+namespace host {
+namespace {
+
+struct Replacement {
+  const char* declaration;
+  uint32_t channel;  ///< the bits that come from the channel picture
+};
+
+const Replacement replacements[] = {
+    {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", 0xFF0000},
+    {"ReplaceGreenChannelQRZ(GreenChannel as picture) as picture", 0x00FF00},
+    {"ReplaceBlueChannelQRZ(BlueChannel as picture) as picture", 0x0000FF},
+};
+constexpr const char* kCombine =
+    "CombinePicturesQRZ(red as picture, blue as picture, green as picture) as picture";
+constexpr const char* kMerge = "MergePictureQRZ(source1 as picture, source2 as picture) as picture";
+
+uint32_t lighter(uint32_t first, uint32_t second) {
+  uint32_t result = 0;
+  for (const uint32_t channel : {0xFF0000U, 0x00FF00U, 0x0000FFU}) {
+    result |= std::max(first & channel, second & channel);
+  }
+  return result;
+}
+
+class ChannelsTest : public RepresentationTest {
+ protected:
+  static Ref<Picture> replace(const Replacement& replacement, const Ref<Picture>& picture,
+                              const Ref<Picture>& channel) {
+    const Value argument = objectValue(channel);
+    return filter(replacement.declaration, picture, {argument});
+  }
+  static Ref<Picture> global(const char* declaration, const std::vector<Ref<Picture>>& pictures) {
+    std::vector<Value> arguments;
+    for (const auto& picture : pictures) arguments.push_back(objectValue(picture));
+    return Ref<Picture>::share(objectAs<Picture>(call("", declaration, nullptr, arguments)));
+  }
+  static Ref<Picture> combine(const Ref<Picture>& red, const Ref<Picture>& blue,
+                              const Ref<Picture>& green) {
+    return global(kCombine, {red, blue, green});
+  }
+  static Ref<Picture> merge(const Ref<Picture>& first, const Ref<Picture>& second) {
+    return global(kMerge, {first, second});
+  }
+  /// Every operation on these; the third one goes to CombinePicturesQRZ alone.
+  static std::vector<Ref<Picture>> everything(const Ref<Picture>& a, const Ref<Picture>& b,
+                                              const Ref<Picture>& c) {
+    std::vector<Ref<Picture>> results;
+    for (const Replacement& replacement : replacements) {
+      results.push_back(replace(replacement, a, b));
+    }
+    results.push_back(merge(a, b));
+    results.push_back(combine(a, c, b));
+    return results;
+  }
+  static void expectNil(const Ref<Picture>& a, const Ref<Picture>& b, const Ref<Picture>& c) {
+    for (const auto& result : everything(a, b, c)) EXPECT_FALSE(result);
+  }
+  static void expectAll(const Ref<Picture>& a, const Ref<Picture>& b, const Ref<Picture>& c) {
+    const Unchanged unchanged[] = {Unchanged(a), Unchanged(b), Unchanged(c)};
+    const auto results = everything(a, b, c);
+    const auto at = [](const Ref<Picture>& picture, size_t i, int32_t width) {
+      const auto x = static_cast<int32_t>(i) % width;
+      return picture->pixel(x, static_cast<int32_t>(i) / width);
+    };
+    std::vector<std::vector<uint32_t>> expected(5, a->pixels());
+    for (size_t i = 0; i < expected[0].size(); ++i) {
+      const uint32_t p = at(a, i, a->width());
+      const uint32_t q = at(b, i, a->width());
+      for (size_t k = 0; k < 3; ++k) {
+        expected[k][i] = (p & ~replacements[k].channel) | (q & replacements[k].channel);
+      }
+      expected[3][i] = lighter(p, q);
+      expected[4][i] = (p & 0xFF0000) | (q & 0x00FF00) | (at(c, i, a->width()) & 0x0000FF);
+    }
+    for (size_t k = 0; k < 5; ++k) {
+      const bool fits = k < 3 || (a->width() == b->width() && a->height() == b->height());
+      if (fits) {
+        EXPECT_TRUE(isNewPicture(results[k], a->width(), expected[k])) << k;
+      } else {
+        EXPECT_FALSE(results[k]) << k;
+      }
+    }
+  }
+  [[nodiscard]] static bool isCopied() {
+    return std::string_view(GetParam().name).starts_with("Copy");
+  }
+};
+QRZ_ALL_REPRESENTATIONS(ChannelsTest);
+
+TEST_P(ChannelsTest, RandomPicturesOfAllWidths) {
+  for (int32_t width = 1; width <= 70; ++width) {
+    const int32_t height = 1 + width % 5;
+    const auto a = randomPicture(width, height);
+    expectAll(a, randomPicture(width, height), randomPicture(width, height));
+    expectAll(a, a, a);
+  }
+  expectAll(randomPicture(300, 200), randomPicture(300, 200), randomPicture(300, 200));
+}
+
+TEST_P(ChannelsTest, LargerChannelPicturesAreCutAndSmallerOnesRefused) {
+  const auto a = randomPicture(37, 9);
+  for (const auto& [width, height] : {std::pair{38, 9}, {37, 10}, {300, 9}, {41, 30}}) {
+    expectAll(a, randomPicture(width, height), a);
+  }
+  for (const auto& [width, height] : {std::pair{36, 9}, {37, 8}, {36, 10}, {38, 8}, {1, 1}}) {
+    expectNil(a, randomPicture(width, height), a);
+  }
+}
+
+TEST_P(ChannelsTest, CombinedPicturesAreOfOneSize) {
+  const auto a = randomPicture(7, 5);
+  for (const auto& [width, height] : {std::pair{7, 6}, {7, 4}, {6, 5}, {8, 5}, {5, 7}}) {
+    const auto other = randomPicture(width, height);
+    EXPECT_FALSE(combine(other, a, a));
+    EXPECT_FALSE(combine(a, other, a));
+    EXPECT_FALSE(combine(a, a, other));
+    EXPECT_FALSE(combine(a, other, other));
+    EXPECT_TRUE(combine(other, other, other));
+    EXPECT_FALSE(merge(other, a));
+    EXPECT_FALSE(merge(a, other));
+  }
+}
+
+TEST_P(ChannelsTest, WorkedColours) {
+  const auto filled = [&](uint32_t rgb) {
+    auto picture = emptyPicture(2, 2);
+    picture->fill(0, 0, 2, 2, rgb);
+    return picture;
+  };
+  const auto all = [](uint32_t rgb) { return std::vector<uint32_t>(4, rgb); };
+  const auto red = filled(0xFF0000);
+  const auto green = filled(0x00FF00);
+  const auto blue = filled(0x0000FF);
+  EXPECT_TRUE(isNewPicture(combine(red, blue, green), 2, all(0xFFFFFF)));
+  EXPECT_TRUE(isNewPicture(combine(blue, red, green), 2, all(0x00FF00)));
+  if (GetParam().depth == 16) return;  // which cannot hold these colours
+  EXPECT_TRUE(isNewPicture(merge(filled(0x0AC81E), filled(0x64141E)), 2, all(0x64C81E)));
+}
+
+TEST_P(ChannelsTest, NilChannelRaisesAndOpensNothing) {
+  const auto source = randomPicture(4, 4);
+  const Unchanged unchanged(source);
+  for (const Replacement& replacement : replacements) {
+    for (const Ref<Picture>& picture : {source, Ref<Picture>()}) {
+      std::string message = "nothing was raised";
+      const auto calls = callsDuring([&] {
+        try {
+          replace(replacement, picture, nullptr);
+        } catch (const RaisedException& raised) {
+          EXPECT_EQ(raised.instance->className(), "NilObjectException");
+          message = dynamic_cast<const ExceptionObject&>(*raised.instance).message;
+        }
+      });
+      EXPECT_EQ(message, "The channel picture is nil.");
+      EXPECT_EQ(calls, (std::vector<std::string>{"PluginNewInstance", "REALBuildString",
+                                                 "REALSetStringEncoding", "RuntimeRaiseException",
+                                                 "REALSetPropValueString", "REALUnlockString"}));
+    }
+  }
+}
+
+TEST_P(ChannelsTest, OtherNilsGiveNilWithoutAnException) {
+  const auto source = randomPicture(4, 4);
+  const Unchanged unchanged(source);
+  for (const Replacement& replacement : replacements) {
+    EXPECT_FALSE(replace(replacement, nullptr, source));
+  }
+  EXPECT_TRUE(callsDuring([&] {
+                EXPECT_FALSE(merge(nullptr, source));
+                EXPECT_FALSE(merge(source, nullptr));
+                EXPECT_FALSE(merge(nullptr, nullptr));
+              }).empty());
+  EXPECT_FALSE(combine(nullptr, source, source));
+  EXPECT_FALSE(combine(source, nullptr, source));
+  EXPECT_FALSE(combine(source, source, nullptr));
+}
+
+TEST_P(ChannelsTest, FailingHostsLeaveNothing) {
+  const auto a = randomPicture(5, 4);
+  const auto b = randomPicture(5, 4);
+  const auto c = randomPicture(5, 4);
+  expectNothingLeftByFailures([&] { everything(a, b, c); });
+}
+
+TEST_P(ChannelsTest, ReadersOpenInOrderAndCloseInReverse) {
+  LockLog log;
+  const auto a = randomPicture(5, 4);
+  const auto b = randomPicture(5, 4);
+  const auto c = randomPicture(5, 4);
+  const auto small = randomPicture(4, 4);
+  merge(a, b);  // settles the paths
+  log.name(a, "a");
+  log.name(b, "b");
+  log.name(c, "c");
+  log.name(small, "small");
+  log.take();
+  const auto expectLocks = [&](const Ref<Picture>& /*result*/, const char* expected) {
+    const std::string locks = log.take();
+    EXPECT_TRUE(isCopied() || locks == expected) << locks << " instead of " << expected;
+  };
+  expectLocks(merge(a, b), "+a +b +new -new -b -a");
+  expectLocks(merge(a, small), "+a +small -small -a");
+  expectLocks(combine(a, c, b), "+a +b +c +new -new -c -b -a");
+  expectLocks(combine(a, small, b), "+a +b +small -small -b -a");
+  expectLocks(combine(a, nullptr, b), "+a +b -b -a");
+  expectLocks(combine(a, c, nullptr), "+a -a");
+  expectLocks(combine(nullptr, c, b), "");
+  for (const Replacement& replacement : replacements) {
+    expectLocks(replace(replacement, a, b), "+a +b +new -new -b -a");
+    expectLocks(replace(replacement, a, small), "+a +small -small -a");
+    expectLocks(replace(replacement, nullptr, b), "");
+  }
+}
+
+TEST_P(ChannelsTest, FurtherPicturesInARepresentationThatCannotBeRead) {
+  const auto a = randomPicture(5, 4);
+  const bool isBitmap = GetParam().newPictures == Storage::Bitmap;
+  const auto foreign = Picture::create(isBitmap ? Storage::GWorld : Storage::Bitmap, 5, 4);
+  expectNothingLeftByFailures([&] {
+    expectNil(a, foreign, a);
+    EXPECT_FALSE(combine(a, foreign, a));
+  });
+  const Unchanged unchanged[] = {Unchanged(a), Unchanged(foreign)};
+  EXPECT_FALSE(merge(foreign, a)) << "the paths are settled";
+}
+
+}  // namespace
+}  // namespace host

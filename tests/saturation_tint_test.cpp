@@ -1,0 +1,148 @@
+// ChangeSaturationQRZ and TintPictureQRZ on every representation.
+
+#include <algorithm>
+#include <climits>
+
+#include "tests/support/checks.h"
+
+namespace host {
+namespace {
+
+constexpr const char* kSaturation = "ChangeSaturationQRZ(Amount as integer) as picture";
+constexpr const char* kTint =
+    "TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture";
+
+uint32_t red(uint32_t rgb) { return rgb >> 16 & 0xFF; }
+uint32_t green(uint32_t rgb) { return rgb >> 8 & 0xFF; }
+uint32_t blue(uint32_t rgb) { return rgb & 0xFF; }
+
+uint32_t saturated(uint32_t rgb, int32_t amount) {
+  const int64_t k = static_cast<int64_t>(amount) + 255;
+  const int64_t mean = (red(rgb) + green(rgb) + blue(rgb)) / 3;
+  uint32_t result = 0;
+  for (const int64_t level : {red(rgb), green(rgb), blue(rgb)}) {
+    const int64_t moved = mean + (level - mean) * k / 255;
+    result = result << 8 | static_cast<uint32_t>(std::clamp<int64_t>(moved, 0, 255));
+  }
+  return result;
+}
+
+uint32_t tinted(uint32_t rgb, uint32_t greyBase, uint32_t sepiaBase) {
+  const double level =
+      (red(rgb) * (red(greyBase) / 255.0) + green(rgb) * (green(greyBase) / 255.0)) +
+      blue(rgb) * (blue(greyBase) / 255.0);
+  uint32_t result = 0;
+  for (const uint32_t tint : {red(sepiaBase), green(sepiaBase), blue(sepiaBase)}) {
+    const double value = tint / 255.0 * level;
+    result = result << 8 | (value > 255 ? 255 : static_cast<uint32_t>(value));
+  }
+  return result;
+}
+
+class SaturationTintTest : public RepresentationTest {
+ protected:
+  static Ref<Picture> saturate(const Ref<Picture>& source, int32_t amount) {
+    return filter(kSaturation, source, {amount});
+  }
+  static Ref<Picture> tint(const Ref<Picture>& source, uint32_t greyBase, uint32_t sepiaBase) {
+    const Value made =
+        call("", kTint, nullptr, {objectValue(source), Color{greyBase}, Color{sepiaBase}});
+    return Ref<Picture>::share(objectAs<Picture>(made));
+  }
+  static void expectSaturated(const Ref<Picture>& source, int32_t amount) {
+    const Unchanged unchanged(source);
+    const auto map = [=](uint32_t rgb) { return saturated(rgb, amount); };
+    EXPECT_TRUE(isNewPicture(saturate(source, amount), source->width(), mappedPixels(*source, map)))
+        << "by " << amount;
+  }
+  static void expectTinted(const Ref<Picture>& source, uint32_t greyBase, uint32_t sepiaBase) {
+    const Unchanged unchanged(source);
+    const auto map = [=](uint32_t rgb) { return tinted(rgb, greyBase, sepiaBase); };
+    EXPECT_TRUE(isNewPicture(tint(source, greyBase, sepiaBase), source->width(),
+                             mappedPixels(*source, map)))
+        << std::hex << greyBase << ", " << sepiaBase;
+  }
+  Ref<Picture> onePixel(uint32_t word) {
+    auto picture = emptyPicture(1, 1);
+    picture->setPixels({word});
+    return picture;
+  }
+};
+QRZ_ALL_REPRESENTATIONS(SaturationTintTest);
+
+TEST_P(SaturationTintTest, SaturationByAnyAmountOnAllWidths) {
+  std::uniform_int_distribution<int32_t> sensible(-600, 600);
+  for (int32_t width = 1; width <= 70; ++width) {
+    const auto source = randomPicture(width, 1 + width % 5);
+    expectSaturated(source, sensible(random));
+    expectSaturated(source, static_cast<int32_t>(random()));
+  }
+  const auto source = randomPicture(97, 41);
+  for (const int32_t amount :
+       {INT_MIN, INT_MIN + 1, -12632512, -12632511,     -65536,        -33024,
+        -32768,  -511,        -256,      -255,          -254,          -1,
+        0,       1,           255,       32512,         32513,         32767,
+        65535,   12632001,    12632002,  INT_MAX - 255, INT_MAX - 254, INT_MAX}) {
+    expectSaturated(source, amount);
+  }
+  for (int32_t amount = -520; amount <= 520; amount += 7) expectSaturated(source, amount);
+}
+
+TEST_P(SaturationTintTest, TintWithAnyColoursOnAllWidths) {
+  for (int32_t width = 1; width <= 70; ++width) {
+    expectTinted(randomPicture(width, 1 + width % 5), random(), random());
+  }
+  const auto source = randomPicture(97, 41);
+  const uint32_t bases[] = {0,        0xFFFFFF, 0x555555, 0x4C961D,
+                            0xFF0000, 0x00FF00, 0x0000FF, 0x010101};
+  for (const uint32_t greyBase : bases) {
+    for (const uint32_t sepiaBase : bases) expectTinted(source, greyBase, sepiaBase);
+  }
+  expectTinted(source, 0xFF4C961D, 0xABFFE0B0);
+}
+
+TEST_P(SaturationTintTest, GreysKeepTheirSaturation) {
+  const auto greys = emptyPicture(256, 1);
+  std::vector<uint32_t> words(256);
+  for (uint32_t i = 0; i < 256; ++i) words[i] = i * 0x010101;
+  greys->setPixels(words);
+  words = greys->pixels();
+  if (GetParam().depth == 16) return;  // whose greys are not all grey
+  for (const int32_t amount : {INT_MIN, -255, 0, 77, INT_MAX}) {
+    EXPECT_TRUE(isNewPicture(saturate(greys, amount), 256, words)) << amount;
+  }
+}
+
+TEST_P(SaturationTintTest, WorkedColours) {
+  if (GetParam().depth == 16) return;  // which cannot hold these colours
+  const uint32_t saturations[][3] = {{0xFF0000, static_cast<uint32_t>(-255), 0x555555},
+                                     {0xC86432, static_cast<uint32_t>(-255), 0x747474},
+                                     {0xFF0000, static_cast<uint32_t>(-128), 0xA92B2B},
+                                     {0xC86432, 100, 0xE85E19},
+                                     {0xC86432, 255, 0xFF5400},
+                                     {0xC86432, static_cast<uint32_t>(-510), 0x2084B6},
+                                     {0xAAC86432, 0, 0xC86432}};
+  for (const auto& [from, amount, to] : saturations) {
+    EXPECT_TRUE(isNewPicture(saturate(onePixel(from), static_cast<int32_t>(amount)), 1, {to}))
+        << std::hex << from << " by " << amount;
+  }
+  const uint32_t tints[][4] = {
+      {0xFFFFFF, 0x4C961D, 0xFFE0B0, 0xFFE0B0}, {0x000000, 0x4C961D, 0xFFE0B0, 0x000000},
+      {0x6496C8, 0x4C961D, 0xFFE0B0, 0x8C7B61}, {0x0A141E, 0xFFFFFF, 0xFFFFFF, 0x3C3C3C},
+      {0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF}, {0x6496C8, 0x555555, 0xFFFFFF, 0x969696}};
+  for (const auto& [from, greyBase, sepiaBase, to] : tints) {
+    EXPECT_TRUE(isNewPicture(tint(onePixel(from), greyBase, sepiaBase), 1, {to}))
+        << std::hex << from << ", " << greyBase << ", " << sepiaBase;
+  }
+}
+
+TEST_P(SaturationTintTest, NilAndFailingHosts) {
+  const auto source = randomPicture(5, 4);
+  EXPECT_FALSE(saturate(nullptr, 10));
+  EXPECT_FALSE(tint(nullptr, 0x4C961D, 0xFFE0B0));
+  expectNothingLeftByFailures([&] { saturate(source, 10); });
+  expectNothingLeftByFailures([&] { tint(source, 0x4C961D, 0xFFE0B0); });
+}
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,141 @@
+#include "tests/support/checks.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+namespace host {
+
+std::vector<uint32_t> mappedPixels(const Picture& source,
+                                   const std::function<uint32_t(uint32_t)>& map) {
+  return expectedPixels(
+      source, [](int32_t, int32_t) { return true; }, map);
+}
+
+testing::AssertionResult isNewPicture(const Ref<Picture>& result, int32_t width,
+                                      const std::vector<uint32_t>& expected) {
+  if (!result) return testing::AssertionFailure() << "the result is nil";
+  if (result->width() != width) return testing::AssertionFailure() << result->describe();
+  if (result->references() != 1 || result->locks() != 0) {
+    return testing::AssertionFailure() << result->describe() << " has " << result->references()
+                                       << " references and " << result->locks() << " locks";
+  }
+  return samePixels(*result, expected);
+}
+
+Unchanged::Unchanged(const Ref<Picture>& picture)
+    : picture_(*picture), pixels_(picture->pixels()), references_(picture->references()) {}
+
+Unchanged::~Unchanged() {
+  EXPECT_TRUE(samePixels(picture_, pixels_)) << "a source was changed";
+  EXPECT_EQ(picture_.references(), references_) << picture_.describe();
+  EXPECT_EQ(picture_.locks(), 0) << picture_.describe();
+}
+
+namespace {
+
+int callsUntilFailure = 0;
+
+bool failOnce(const char* call) {
+  return std::string_view(call).starts_with("resolve ") || --callsUntilFailure != 0;
+}
+
+/// False if the work made fewer calls.
+bool workWithFailure(const std::function<void()>& work, int call) {
+  callsUntilFailure = call;
+  runtime().setCallHook(failOnce);
+  work();
+  runtime().setCallHook(nullptr);
+  return callsUntilFailure <= 0;
+}
+
+}  // namespace
+
+void expectNothingLeftByFailures(const std::function<void()>& work) {
+  const auto before = runtime().findLeaks();
+  work();
+  EXPECT_EQ(runtime().findLeaks(), before);
+  int call = 1;
+  while (workWithFailure(work, call)) {
+    EXPECT_EQ(runtime().findLeaks(), before) << "when call " << call << " failed";
+    ++call;
+  }
+  EXPECT_GT(call, 1) << "the work makes no calls";
+}
+
+namespace {
+
+using LockService = uint32_t (*)(Picture*, qrz::PictureDescription*);
+using UnlockService = void (*)(Picture*);
+
+LockService hostLock = nullptr;
+UnlockService hostUnlock = nullptr;
+std::map<const void*, std::string> pictureNames;
+std::string lockEvents;
+
+void record(char event, const void* picture) {
+  const auto found = pictureNames.find(picture);
+  if (!lockEvents.empty()) lockEvents += ' ';
+  lockEvents += event + (found != pictureNames.end() ? found->second : "new");
+}
+
+uint32_t recordLock(Picture* picture, qrz::PictureDescription* description) {
+  record('+', picture);
+  return hostLock(picture, description);
+}
+
+void recordUnlock(Picture* picture) {
+  record('-', picture);
+  hostUnlock(picture);
+}
+
+}  // namespace
+
+LockLog::LockLog() {
+  hostLock = reinterpret_cast<LockService>(resolveService("lockPictureDescription"));
+  hostUnlock = reinterpret_cast<UnlockService>(resolveService("unlockPictureDescription"));
+  auto& services = runtime().replacedServices;
+  services["lockPictureDescription"] = reinterpret_cast<void*>(recordLock);
+  services["unlockPictureDescription"] = reinterpret_cast<void*>(recordUnlock);
+}
+
+void LockLog::name(const Ref<Picture>& picture, std::string name) {
+  pictureNames[picture.get()] = std::move(name);
+}
+
+std::string LockLog::take() { return std::exchange(lockEvents, {}); }
+
+Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes) {
+  return makeObject<MemoryBlock>(std::move(bytes));
+}
+
+namespace {
+
+/// A copy that ends with a page; the page after it cannot be accessed. It stays
+/// until the process ends.
+uint8_t* guardedCopy(const std::vector<uint8_t>& bytes) {
+  const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  const size_t size = (bytes.size() + page - 1) / page * page;
+  void* pages =
+      mmap(nullptr, size + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (pages == MAP_FAILED) throw std::runtime_error("no memory for guarded bytes");
+  auto* end = static_cast<uint8_t*>(pages) + size;
+  mprotect(end, page, PROT_NONE);
+  return std::copy_backward(bytes.begin(), bytes.end(), end);
+}
+
+void* guardedBytes(MemoryBlock* block) {
+  if (!runtime().called("memoryBlockGetPtr") || block->bytes.empty()) return nullptr;
+  return guardedCopy(block->bytes);
+}
+
+}  // namespace
+
+void guardMemoryBlocks() {
+  runtime().replacedServices["memoryBlockGetPtr"] = reinterpret_cast<void*>(guardedBytes);
+}
+
+}  // namespace host

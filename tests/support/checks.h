@@ -1,0 +1,59 @@
+// Checks that the tests of the members share: new pictures, unchanged sources,
+// the order of locks, and what is left when the host fails.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/core/memory_block.h"
+#include "tests/support/plugin_test.h"
+
+namespace host {
+
+/// The source's pixels, each mapped.
+std::vector<uint32_t> mappedPixels(const Picture& source,
+                                   const std::function<uint32_t(uint32_t)>& map);
+
+/// A picture of that width and those pixels, nobody else's and not locked.
+testing::AssertionResult isNewPicture(const Ref<Picture>& result, int32_t width,
+                                      const std::vector<uint32_t>& expected);
+
+/// Checks at its end that a picture is as it was: pixels, references and locks.
+class Unchanged {
+ public:
+  explicit Unchanged(const Ref<Picture>& picture);
+  Unchanged(const Unchanged&) = delete;
+  Unchanged& operator=(const Unchanged&) = delete;
+  ~Unchanged();
+
+ private:
+  const Picture& picture_;
+  std::vector<uint32_t> pixels_;
+  int32_t references_;
+};
+
+/// Does the work once as it is, then once for every call to the host that it
+/// makes, with that call failing. Nothing may be left each time.
+void expectNothingLeftByFailures(const std::function<void()>& work);
+
+/// Records from its start on which pictures the plug-in locks ("+name") and
+/// unlocks ("-name"). One in a process, before the plug-in's first call.
+class LockLog {
+ public:
+  LockLog();
+  /// Pictures without a name are "new".
+  void name(const Ref<Picture>& picture, std::string name);
+  /// What was locked and unlocked since the last time, separated by spaces.
+  std::string take();
+};
+
+/// A block of the host's with these bytes.
+Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes);
+
+/// From now on the plug-in finds the bytes of every memory block at the very end
+/// of accessible memory: reading one byte more ends the process. Before the
+/// plug-in's first call.
+void guardMemoryBlocks();
+
+}  // namespace host

@@ -127,7 +127,8 @@ TEST_P(ColorMappingTest, ExactMatchesOnAllWidths) {
     const auto source = randomPicture(width, 1 + width % 5);
     const uint32_t there = source->pixel(static_cast<int32_t>(random()) % width, 0);
     expectMatched(source, there, random(), random());
-    expectMatched(source, there | 0xFF000000, there, random());
+    expectMatched(source, there | 0xFF000000, random(), random());
+    expectMatched(source, there, there, random());
     expectMatched(source, random(), random(), random());
     expectMatched(source, 0x000000, 0xFFFFFFFF, 0xFF000000);
     expectMatched(source, 0xFFFFFF, 0, random());

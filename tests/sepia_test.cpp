@@ -165,9 +165,16 @@ TEST_P(SepiaTest, HostileWeightsAndOffsets) {
     setOffsets({offset(), offset(), offset()});
     expectRun(source);
   }
-  setWeights({1e6, -1e6, 0.25});  // sums that cancel out
-  setOffsets({-60, 5, 1});
-  expectRun(source);
+  // Sums that all but cancel out for greys.
+  const Weights opposites[] = {{1e6, -1e6, 0.25},
+                               {2097151.5, -2097151.5, 0.5},
+                               {3e6, -2097151.9990234375, 0.25},
+                               {-3e6, 2097152, 0.75}};
+  for (const Weights& values : opposites) {
+    setWeights(values);
+    setOffsets({-60, 5, 1});
+    expectRun(source);
+  }
 }
 
 TEST_P(SepiaTest, RegionsInsideAcrossAndOutside) {

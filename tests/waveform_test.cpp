@@ -97,6 +97,16 @@ TEST_P(WaveformTest, RandomSamplesOfAllWidths) {
   }
 }
 
+TEST_P(WaveformTest, RoundingOfAveragesIsTheDefinitions) {
+  // Constant samples whose averages are a hair off, next to whole rows.
+  for (int32_t smooth = 2; smooth <= 60; ++smooth) {
+    for (const int32_t height : {100, 200, 400}) {
+      const auto level = static_cast<uint8_t>(random());
+      expectRendered({std::vector<uint8_t>(80, level), 0, smooth, 0, height});
+    }
+  }
+}
+
 TEST_P(WaveformTest, WorkedBars) {
   expectBars({fourSamples, 0, 1, 4, 100}, {{50, 60}, {40, 70}, {50, 50}, {50, 99}});
   expectBars({fourSamples, 0, 1, 4, 200}, {{100, 120}, {80, 140}, {100, 100}, {100, 199}});

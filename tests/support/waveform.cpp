@@ -43,7 +43,8 @@ void RenderedWaveform::spread(const Waveform& waveform) {
 }
 
 int32_t RenderedWaveform::row(double value) const {
-  const double y = height_ / 2 + value;
+  const int32_t middle = height_ / 2;
+  const double y = middle + value;
   if (std::isnan(y)) return 0;
   return static_cast<int32_t>(std::clamp(y, -2147483648.0, 2147483647.0));
 }

@@ -125,7 +125,7 @@ TEST_P(ColorMappingTest, TablesAreFetchedWhenTheNewPictureIsThere) {
 TEST_P(ColorMappingTest, ExactMatchesOnAllWidths) {
   for (int32_t width = 1; width <= 70; ++width) {
     const auto source = randomPicture(width, 1 + width % 5);
-    const uint32_t there = source->pixel(static_cast<int32_t>(random()) % width, 0);
+    const uint32_t there = source->pixel(width / 2, 0);
     expectMatched(source, there, random(), random());
     expectMatched(source, there | 0xFF000000, random(), random());
     expectMatched(source, there, there, random());

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 #include "platform/standin/standin.h"
 #include "tests/support/plugin_test.h"
@@ -115,20 +116,46 @@ INSTANTIATE_TEST_SUITE_P(All, GuardTest,
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(GuardTest, OnlyThePixelsAreWritten) {
-  const Value lut =
-      runtime().registry.findClass("PictureLut3DQRZ")->constructors.front().call(nullptr, {});
+  const auto instance = [](const char* className) {
+    return runtime().registry.findClass(className)->constructors.front().call(nullptr, {});
+  };
+  const std::map<const char*, Value> instances = {{"PictureLut3DQRZ", instance("PictureLut3DQRZ")},
+                                                  {"PictureSepiaQRZ", instance("PictureSepiaQRZ")}};
   for (int32_t width = 1; width <= 70; ++width) {
     const auto picture = source(width, 4);
     const auto before = picture->pixels();
-    for (const char* member : {"InvertQRZ as picture", "InvertGrayQRZ as picture"}) {
-      const auto result = filter(member, picture);
+    const Value self = objectValue(picture);
+    const std::vector<std::pair<const char*, std::vector<Value>>> members = {
+        {"InvertQRZ as picture", {}},
+        {"InvertGrayQRZ as picture", {}},
+        {"ChangeContrastQRZ(x as double) as picture", {0.5}},
+        {"ChangeSaturationQRZ(Amount as integer) as picture", {100}},
+        {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", {self}},
+        {"ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture",
+         {Color{1}, Color{2}}},
+    };
+    for (const auto& [member, arguments] : members) {
+      const auto result = filter(member, picture, arguments);
       ASSERT_TRUE(result);
       EXPECT_TRUE(isIntact(*result)) << member << " of width " << width;
     }
-    assign("PictureLut3DQRZ", "SourcePicture as Picture", objectOf(lut), {}, objectValue(picture));
-    EXPECT_EQ(call("PictureLut3DQRZ", "Run as boolean", objectOf(lut)), Value{true});
-    const Value result = call("PictureLut3DQRZ", "DestinationPicture as Picture", objectOf(lut));
-    EXPECT_TRUE(isIntact(*objectAs<Picture>(result))) << "Run of width " << width;
+    const std::vector<std::pair<const char*, std::vector<Value>>> globals = {
+        {"CombinePicturesQRZ(red as picture, blue as picture, green as picture) as picture",
+         {self, self, self}},
+        {"MergePictureQRZ(source1 as picture, source2 as picture) as picture", {self, self}},
+        {"TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
+         {self, Color{0x4C961D}, Color{0xFFE0B0}}},
+    };
+    for (const auto& [member, arguments] : globals) {
+      const Value result = call("", member, nullptr, arguments);
+      EXPECT_TRUE(isIntact(*objectAs<Picture>(result))) << member << " of width " << width;
+    }
+    for (const auto& [name, object] : instances) {
+      assign(name, "SourcePicture as Picture", objectOf(object), {}, self);
+      EXPECT_EQ(call(name, "Run as boolean", objectOf(object)), Value{true});
+      const Value result = call(name, "DestinationPicture as Picture", objectOf(object));
+      EXPECT_TRUE(isIntact(*objectAs<Picture>(result))) << name << " of width " << width;
+    }
     EXPECT_TRUE(isIntact(*picture));
     EXPECT_TRUE(samePixels(*picture, before));
   }

@@ -165,12 +165,17 @@ TEST_P(SepiaTest, HostileWeightsAndOffsets) {
     setOffsets({offset(), offset(), offset()});
     expectRun(source);
   }
-  // Sums that all but cancel out for greys.
-  const Weights opposites[] = {{1e6, -1e6, 0.25},
-                               {2097151.5, -2097151.5, 0.5},
-                               {3e6, -2097151.9990234375, 0.25},
-                               {-3e6, 2097152, 0.75}};
-  for (const Weights& values : opposites) {
+  // Sums that all but cancel out for greys, and sums at the edge of 32 bits.
+  const Weights edges[] = {{1e6, -1e6, 0.25},
+                           {2097151.5, -2097151.5, 0.5},
+                           {3e6, -2097151.9990234375, 0.25},
+                           {-3e6, 2097152, 0.75},
+                           {8224.125, 0, 0},
+                           {0, -8224.125, 0},
+                           {8224.126953125, 0, 0},
+                           {-4112, -4112.25, 0},
+                           {2741.375, 2741.375, 2741.5}};
+  for (const Weights& values : edges) {
     setWeights(values);
     setOffsets({-60, 5, 1});
     expectRun(source);

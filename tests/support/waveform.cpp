@@ -117,9 +117,11 @@ void RenderedWaveform::drawWithHostPen(int32_t size, uint32_t color) {
   canvas->setPixels(pixels_);
   const int32_t widest = INT16_MAX;  // of the host's pens
   canvas->pen = {color, std::min(size, widest), std::min(size, widest)};
-  const int32_t half = size / 2;
+  const auto moved = [half = size / 2](int64_t coordinate) {
+    return static_cast<int32_t>(std::max<int64_t>(coordinate - half, INT32_MIN));
+  };
   for (const Segment& s : outline()) {
-    drawLine(*canvas, s.x0 - half, s.y0 - half, s.x1 - half, s.y1 - half);
+    drawLine(*canvas, moved(s.x0), moved(s.y0), moved(s.x1), moved(s.y1));
   }
   pixels_ = canvas->pixels();
 }

@@ -221,6 +221,21 @@ TEST_P(ChannelsTest, ReadersOpenInOrderAndCloseInReverse) {
   }
 }
 
+TEST_P(ChannelsTest, PicturesOfSeveralRepresentationsTogether) {
+  if (GetParam().newPictures != Storage::GWorld) return;  // copies can be read only as GWorlds
+  const auto a = randomPicture(23, 7);
+  const auto filled = [&](Storage storage, int32_t depth) {
+    auto picture = Picture::create(storage, 23, 7, depth);
+    picture->setPixels(randomPicture(23, 7)->pixels());
+    return picture;
+  };
+  const auto deep = filled(Storage::GWorld, 24);
+  const auto context = filled(Storage::Context, 32);
+  expectAll(a, deep, context);
+  expectAll(context, a, deep);
+  expectAll(deep, context, filled(Storage::GWorld, 32));
+}
+
 TEST_P(ChannelsTest, FurtherPicturesInARepresentationThatCannotBeRead) {
   const auto a = randomPicture(5, 4);
   const bool isBitmap = GetParam().newPictures == Storage::Bitmap;

@@ -250,6 +250,8 @@ TEST_P(SepiaTest, PicturesChangeHandsWithTheirReferences) {
   EXPECT_EQ(get("MaxX as Integer"), Value{5});
   EXPECT_EQ(get("FactorGreen as Double"), Value{0.25});
   expectRun(source);
+  set(kSource, get(kDestination));
+  EXPECT_TRUE(run()) << "a result is a source, too";
 }
 
 TEST_P(SepiaTest, FailingHostsKeepTheLastResult) {

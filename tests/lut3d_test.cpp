@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/plugin_test.h"
+#include "tests/support/filter_class_test.h"
 
 namespace host {
 namespace {
@@ -74,30 +74,15 @@ class Reference {
   const Table& table_;
 };
 
-class Lut3DTest : public RepresentationTest {
+class Lut3DTest : public FilterClassTest {
  protected:
-  void SetUp() override {
-    RepresentationTest::SetUp();
-    if (IsSkipped()) return;
-    const Class* found = runtime().registry.findClass(kClass);
-    const Value made = found->constructors.front().call(nullptr, {});
-    lut = Ref<Object>::share(objectOf(made));
-  }
-  void TearDown() override {
-    lut = nullptr;
-    RepresentationTest::TearDown();
-  }
+  Lut3DTest() : FilterClassTest(kClass) {}
 
-  Value get(const char* property) { return call(kClass, property, lut.get()); }
-  void set(const char* property, const Value& value) {
-    assign(kClass, property, lut.get(), {}, value);
-  }
-  bool run() { return std::get<bool>(call(kClass, "Run as boolean", lut.get())); }
   double table(int32_t r, int32_t g, int32_t b, int32_t x) {
-    return std::get<double>(call(kClass, kTable, lut.get(), {r, g, b, x}));
+    return std::get<double>(call(kClass, kTable, instance.get(), {r, g, b, x}));
   }
   void setTable(int32_t r, int32_t g, int32_t b, int32_t x, double value) {
-    assign(kClass, kTable, lut.get(), {r, g, b, x}, value);
+    assign(kClass, kTable, instance.get(), {r, g, b, x}, value);
   }
   template <typename Formula>
   void fill(const Formula& formula) {
@@ -114,28 +99,10 @@ class Lut3DTest : public RepresentationTest {
       }
     }
   }
-  Ref<Picture> destination() {
-    return Ref<Picture>::share(objectAs<Picture>(get("DestinationPicture as Picture")));
-  }
-  /// Runs on the picture with a region and compares everything.
-  void expectRun(const Ref<Picture>& source, int32_t minX, int32_t minY, int32_t maxX,
-                 int32_t maxY) {
-    set("SourcePicture as Picture", objectValue(source));
-    set("MinX as Integer", minX);
-    set("MinY as Integer", minY);
-    set("MaxX as Integer", maxX);
-    set("MaxY as Integer", maxY);
-    ASSERT_TRUE(run());
-    const int32_t xEnd = maxX > minX && maxX < source->width() ? maxX : source->width();
-    const int32_t yEnd = maxY > minY && maxY < source->height() ? maxY : source->height();
-    const auto inside = [&](int32_t x, int32_t y) {
-      return x >= minX && x < xEnd && y >= minY && y < yEnd;
-    };
-    EXPECT_TRUE(samePixels(*destination(), expectedPixels(*source, inside, Reference(values))))
-        << minX << ", " << minY << " to " << maxX << ", " << maxY;
+  void expectRun(const Ref<Picture>& source, const Region& region = {}) {
+    FilterClassTest::expectRun(source, region, Reference(values));
   }
 
-  Ref<Object> lut;
   Table values{};
 };
 QRZ_ALL_REPRESENTATIONS(Lut3DTest);
@@ -171,7 +138,7 @@ TEST_P(Lut3DTest, IdentityTableOnWorkedColours) {
   fill(identity);
   const auto source = emptyPicture(3, 2);
   source->setPixels({0x12000039, 0x00646464, 0x00FFFFFF, 0, 0x00646464, 0xFF000039});
-  expectRun(source, 0, 0, 0, 0);
+  expectRun(source);
   if (GetParam().depth == 16) return;  // which cannot hold these colours
   EXPECT_TRUE(samePixels(*destination(), {56, 0x646464, 0xFFFFFF, 0, 0x646464, 56}));
 }
@@ -179,8 +146,8 @@ TEST_P(Lut3DTest, IdentityTableOnWorkedColours) {
 TEST_P(Lut3DTest, RandomTablesOnAllWidths) {
   std::uniform_real_distribution<double> level(-60, 320);
   fill([&](int32_t, int32_t, int32_t, int32_t) { return level(random); });
-  for (int32_t width = 1; width <= 70; ++width) expectRun(randomPicture(width, 3), 0, 0, 0, 0);
-  expectRun(randomPicture(300, 200), 0, 0, 0, 0);
+  for (int32_t width = 1; width <= 70; ++width) expectRun(randomPicture(width, 3));
+  expectRun(randomPicture(300, 200));
 }
 
 TEST_P(Lut3DTest, TablesWithExtremeElements) {
@@ -196,10 +163,10 @@ TEST_P(Lut3DTest, TablesWithExtremeElements) {
   fill([&](int32_t r, int32_t g, int32_t b, int32_t x) {
     return random() % 20 == 0 ? extremes[random() % extremes.size()] : identity(r, g, b, x);
   });
-  expectRun(randomPicture(211, 60), 0, 0, 0, 0);
+  expectRun(randomPicture(211, 60));
   for (const double everywhere : {0.0, 300.0, -5.0, static_cast<double>(NAN)}) {
     fill([&](int32_t, int32_t, int32_t, int32_t) { return everywhere; });
-    expectRun(randomPicture(19, 5), 0, 0, 0, 0);
+    expectRun(randomPicture(19, 5));
   }
 }
 
@@ -209,17 +176,17 @@ TEST_P(Lut3DTest, RegionsInsideAcrossAndOutside) {
   const std::vector<int32_t> edges = {INT_MIN, -50, -3, 0, 1, 5, 12, 13, 40, 41, 42, INT_MAX};
   std::uniform_int_distribution<size_t> pick(0, edges.size() - 1);
   for (int i = 0; i < 300; ++i) {
-    expectRun(source, edges[pick(random)], edges[pick(random)], edges[pick(random)],
-              edges[pick(random)]);
+    expectRun(source,
+              {edges[pick(random)], edges[pick(random)], edges[pick(random)], edges[pick(random)]});
   }
-  expectRun(source, 10, 5, 20, 8);
-  expectRun(source, 0, 0, 500, 500);
+  expectRun(source, {10, 5, 20, 8});
+  expectRun(source, {0, 0, 500, 500});
 }
 
 TEST_P(Lut3DTest, PicturesChangeHandsWithTheirReferences) {
   EXPECT_FALSE(run()) << "without a source";
   const auto source = randomPicture(8, 8);
-  set("SourcePicture as Picture", objectValue(source));
+  set(kSource, objectValue(source));
   EXPECT_EQ(source->references(), 2);
   ASSERT_TRUE(run());
   const auto first = destination();
@@ -228,23 +195,23 @@ TEST_P(Lut3DTest, PicturesChangeHandsWithTheirReferences) {
   EXPECT_EQ(first->references(), 1) << "the instance still holds the first result";
   EXPECT_NE(destination().get(), first.get());
 
-  set("SourcePicture as Picture", Nil{});
+  set(kSource, Nil{});
   EXPECT_EQ(source->references(), 1);
   EXPECT_FALSE(run());
   EXPECT_FALSE(destination()) << "a failed Run leaves no result";
 
-  set("SourcePicture as Picture", objectValue(source));
+  set(kSource, objectValue(source));
   ASSERT_TRUE(run());
   set("MaxX as Integer", 5);
   setTable(3, 3, 3, 0, 1.5);
-  call(kClass, "Close", lut.get());
-  call(kClass, "Close", lut.get());
+  close();
+  close();
   EXPECT_EQ(source->references(), 1);
-  EXPECT_TRUE(std::holds_alternative<Nil>(get("SourcePicture as Picture")));
+  EXPECT_TRUE(std::holds_alternative<Nil>(get(kSource)));
   EXPECT_FALSE(destination());
   EXPECT_EQ(std::get<int32_t>(get("MaxX as Integer")), 5);
   EXPECT_EQ(table(3, 3, 3, 0), 1.5);
-  set("SourcePicture as Picture", objectValue(source));
+  set(kSource, objectValue(source));
   EXPECT_TRUE(run()) << "the instance works after Close";
 }
 

@@ -8,20 +8,14 @@
 #include <limits>
 
 #include "tests/support/checks.h"
+#include "tests/support/filter_class_test.h"
 
 namespace host {
 namespace {
 
-constexpr const char* kClass = "PictureSepiaQRZ";
-constexpr const char* kSource = "SourcePicture as Picture";
-constexpr const char* kDestination = "DestinationPicture as Picture";
-
 /// Red, green, blue.
 using Weights = std::array<double, 3>;
 using Offsets = std::array<int32_t, 3>;
-struct Region {
-  int32_t minX, minY, maxX, maxY;
-};
 
 int64_t scaledWeight(double weight) {
   if (std::isnan(weight)) return 0;
@@ -39,25 +33,10 @@ uint32_t toned(uint32_t rgb, const Weights& weights, const Offsets& offsets) {
   return result;
 }
 
-class SepiaTest : public RepresentationTest {
+class SepiaTest : public FilterClassTest {
  protected:
-  void SetUp() override {
-    RepresentationTest::SetUp();
-    if (IsSkipped()) return;
-    const Class* found = runtime().registry.findClass(kClass);
-    sepia = Ref<Object>::share(objectOf(found->constructors.front().call(nullptr, {})));
-  }
-  void TearDown() override {
-    sepia = nullptr;
-    RepresentationTest::TearDown();
-  }
+  SepiaTest() : FilterClassTest("PictureSepiaQRZ") {}
 
-  Value get(const char* property) { return call(kClass, property, sepia.get()); }
-  void set(const char* property, const Value& value) {
-    assign(kClass, property, sepia.get(), {}, value);
-  }
-  bool run() { return std::get<bool>(call(kClass, "Run as boolean", sepia.get())); }
-  Ref<Picture> destination() { return Ref<Picture>::share(objectAs<Picture>(get(kDestination))); }
   void setWeights(const Weights& values) {
     weights = values;
     set("FactorRed as Double", values[0]);
@@ -70,26 +49,10 @@ class SepiaTest : public RepresentationTest {
     set("SepiaGreen as Integer", values[1]);
     set("SepiaBlue as Integer", values[2]);
   }
-  /// Runs on a region of the picture and compares everything.
-  void expectRun(const Ref<Picture>& source, const Region& r = {}) {
-    set(kSource, objectValue(source));
-    set("MinX as Integer", r.minX);
-    set("MinY as Integer", r.minY);
-    set("MaxX as Integer", r.maxX);
-    set("MaxY as Integer", r.maxY);
-    {
-      const Unchanged unchanged(source);
-      ASSERT_TRUE(run());
-    }
-    const int32_t xEnd = r.maxX > r.minX && r.maxX < source->width() ? r.maxX : source->width();
-    const int32_t yEnd = r.maxY > r.minY && r.maxY < source->height() ? r.maxY : source->height();
-    const auto inside = [&](int32_t x, int32_t y) {
-      return x >= r.minX && x < xEnd && y >= r.minY && y < yEnd;
-    };
+  void expectRun(const Ref<Picture>& source, const Region& region = {}) {
+    SCOPED_TRACE(testing::PrintToString(weights) + testing::PrintToString(offsets));
     const auto map = [&](uint32_t rgb) { return toned(rgb, weights, offsets); };
-    EXPECT_TRUE(samePixels(*destination(), expectedPixels(*source, inside, map)))
-        << testing::PrintToString(weights) << testing::PrintToString(offsets) << r.minX << ", "
-        << r.minY << " to " << r.maxX << ", " << r.maxY;
+    FilterClassTest::expectRun(source, region, map);
     set(kSource, Nil{});
   }
   void expectColor(uint32_t from, uint32_t to) {
@@ -100,7 +63,6 @@ class SepiaTest : public RepresentationTest {
     EXPECT_EQ(destination()->pixel(0, 0), to) << std::hex << from;
   }
 
-  Ref<Object> sepia;
   Weights weights = {0.299, 0.587, 0.114};
   Offsets offsets = {};
 };
@@ -241,8 +203,8 @@ TEST_P(SepiaTest, PicturesChangeHandsWithTheirReferences) {
   set(kSource, objectValue(source));
   set("MaxX as Integer", 5);
   setWeights({0.5, 0.25, 0.125});
-  call(kClass, "Close", sepia.get());
-  call(kClass, "Close", sepia.get());
+  close();
+  close();
   EXPECT_EQ(source->references(), 1);
   EXPECT_EQ(second->references(), 1);
   EXPECT_EQ(get(kSource), Value{Nil{}});

@@ -176,7 +176,7 @@ TEST_F(ImageFile, TellsWhatIsWrongWithPnm) {
 TEST_F(ImageFile, TellsWhyAFileCannotBeRead) {
   EXPECT_EQ(readError(path("none.png")),
             "cannot be read: No such file or directory; check the name and the permissions");
-  EXPECT_EQ(readError(folder_), "is a folder; give the name of a picture file");
+  EXPECT_EQ(readError(folder_), "is a folder; give the name of a file");
   EXPECT_NE(readError(""), "");
   for (const std::string bytes : {"", "P", "hello, world, this is text and no picture"}) {
     EXPECT_EQ(readErrorOf(bytes),

@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <span>
 
-#include "host/files/picture_fault.h"
+#include "host/files/file_fault.h"
 
 namespace host {
 
-/// The bytes end before the picture does.
-class EndOfBytes : public DamagedPicture {
+/// The bytes end before what they hold does.
+class EndOfBytes : public DamagedFile {
  public:
-  EndOfBytes() : DamagedPicture("the file ends too early") {}
+  EndOfBytes() : DamagedFile("the file ends too early") {}
 };
 
 /// Reads numbers from front to back. Every member but left() and position() throws EndOfBytes

@@ -1,17 +1,13 @@
 #include <stb/stb_image.h>
-#include <sys/stat.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <span>
 #include <string_view>
 
+#include "host/files/file_bytes.h"
+#include "host/files/file_fault.h"
 #include "host/files/image_file.h"
-#include "host/files/picture_fault.h"
 #include "host/files/picture_format.h"
 #include "host/files/picture_limits.h"
 #include "host/files/pnm.h"
@@ -21,45 +17,10 @@ namespace host {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-using FileHandle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 using Decoded = std::unique_ptr<stbi_uc, void (*)(void*)>;
-
-/// No picture within kMaxPixels is larger in any format worth reading.
-constexpr size_t kMaxFileBytes = size_t{1} << 29;
 
 constexpr const char* kTooLargeForMemory =
     "the picture needs more memory than there is; make it smaller or close other pictures";
-
-[[noreturn]] void failToOpen(int error) {
-  throw PictureFault(std::string("cannot be read: ") + std::strerror(error) +
-                     "; check the name and the permissions");
-}
-
-FileHandle openFile(const std::string& path) {
-  if (path.find('\0') != std::string::npos) {
-    throw PictureFault("the name contains a zero byte; choose another one");
-  }
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) failToOpen(errno);
-  if (S_ISDIR(status.st_mode)) throw PictureFault("is a folder; give the name of a picture file");
-  FileHandle file(std::fopen(path.c_str(), "rb"), &std::fclose);
-  if (file == nullptr) failToOpen(errno);
-  return file;
-}
-
-Bytes readFile(const std::string& path) {
-  const FileHandle file = openFile(path);
-  Bytes bytes;
-  size_t used = 0;
-  while (std::feof(file.get()) == 0) {
-    if (used == kMaxFileBytes) throw PictureFault("the file is too large; at most 512 MB are read");
-    bytes.resize(std::min(kMaxFileBytes, std::max<size_t>(65536, 2 * used)));
-    used += std::fread(bytes.data() + used, 1, bytes.size() - used, file.get());
-    if (std::ferror(file.get()) != 0) failToOpen(errno);
-  }
-  bytes.resize(used);
-  return bytes;
-}
 
 /// The words of the library's terse reasons, for pictures that are whole but not supported.
 std::string_view unsupportedKind(std::string_view reason) {
@@ -84,13 +45,13 @@ std::string_view unsupportedKind(std::string_view reason) {
 [[noreturn]] void failToDecode(PictureFormat format) {
   const char* text = stbi_failure_reason();
   const std::string_view reason = text != nullptr ? text : "";
-  if (reason == "outofmem") throw PictureFault(kTooLargeForMemory);
-  if (reason == "too large") throw PictureFault(std::string("the picture") + kTooLarge);
+  if (reason == "outofmem") throw FileFault(kTooLargeForMemory);
+  if (reason == "too large") throw FileFault(std::string("the picture") + kTooLarge);
   const std::string name(formatName(format));
   const std::string kind(unsupportedKind(reason));
-  if (kind.empty()) throw DamagedPicture("what is in it makes no sense");
-  throw PictureFault(kind + " is not supported in " + name +
-                     "; save the picture as an ordinary PNG and try again");
+  if (kind.empty()) throw DamagedFile("what is in it makes no sense");
+  throw FileFault(kind + " is not supported in " + name +
+                  "; save the picture as an ordinary PNG and try again");
 }
 
 void checkHeaderSize(PictureFormat format, const Bytes& bytes) {
@@ -102,7 +63,7 @@ void checkHeaderSize(PictureFormat format, const Bytes& bytes) {
     failToDecode(format);
   }
   if (format == PictureFormat::kBmp) return;  // its height may be negative; already checked
-  if (width < 0 || height < 0) throw DamagedPicture("the size in the header is negative");
+  if (width < 0 || height < 0) throw DamagedFile("the size in the header is negative");
   checkSize(static_cast<uint64_t>(width), static_cast<uint64_t>(height));
 }
 
@@ -145,13 +106,13 @@ Image decodeAny(const Bytes& bytes) {
   const PictureFormat format = detectFormat(bytes);
   const std::string name(formatName(format));
   if (format == PictureFormat::kUnknown) {
-    throw PictureFault("is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA or PNM");
+    throw FileFault("is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA or PNM");
   }
   try {
     return format == PictureFormat::kPnm ? readPnm(bytes) : decode(format, bytes);
-  } catch (const DamagedPicture& damage) {
-    throw PictureFault("the " + name + " picture is damaged (" + damage.what() +
-                       "); get an intact copy of the file");
+  } catch (const DamagedFile& damage) {
+    throw FileFault("the " + name + " picture is damaged (" + damage.what() +
+                    "); get an intact copy of the file");
   }
 }
 
@@ -160,7 +121,7 @@ Image decodeAny(const Bytes& bytes) {
 Image readImage(const std::string& path) {
   try {
     return decodeAny(readFile(path));
-  } catch (const PictureFault& fault) {
+  } catch (const FileFault& fault) {
     throw imageError(path, fault.what());
   } catch (const std::bad_alloc&) {
     throw imageError(path, kTooLargeForMemory);

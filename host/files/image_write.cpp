@@ -1,20 +1,15 @@
-#include <fcntl.h>
 #include <stb/stb_image_write.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <optional>
 #include <utility>
 
+#include "host/files/file_bytes.h"
+#include "host/files/file_fault.h"
 #include "host/files/image_file.h"
-#include "host/files/picture_fault.h"
 #include "host/files/picture_limits.h"
 
 namespace host {
@@ -50,12 +45,12 @@ std::optional<WritableFormat> writableFormat(const std::string& path) {
 // ---- Encoding ------------------------------------------------------------------------------
 
 void checkImage(const Image& image) {
-  if (image.width < 1 || image.height < 1) throw PictureFault("the picture has no pixels");
+  if (image.width < 1 || image.height < 1) throw FileFault("the picture has no pixels");
   const auto width = static_cast<uint64_t>(image.width);
   const auto height = static_cast<uint64_t>(image.height);
   checkSize(width, height);
   if (image.pixels.size() != width * height) {
-    throw PictureFault("the picture has not as many pixels as its size says");
+    throw FileFault("the picture has not as many pixels as its size says");
   }
 }
 
@@ -64,7 +59,7 @@ void checkSide(WritableFormat format, const Image& image) {
   constexpr int32_t kMaxShort = 65535;
   if (format != WritableFormat::kJpeg && format != WritableFormat::kTga) return;
   if (std::max(image.width, image.height) > kMaxShort) {
-    throw PictureFault("more than 65535 pixels a side do not fit this format; use .png or .bmp");
+    throw FileFault("more than 65535 pixels a side do not fit this format; use .png or .bmp");
   }
 }
 
@@ -141,91 +136,6 @@ Bytes encode(WritableFormat format, const Image& image) {
   return std::move(sink.bytes);
 }
 
-// ---- Storing -------------------------------------------------------------------------------
-
-[[noreturn]] void failToStore(int error) {
-  throw PictureFault(std::string("cannot be written: ") + std::strerror(error) +
-                     "; choose another folder or make room");
-}
-
-/// The file a symbolic link stands for, or the path itself.
-std::string resolveLink(const std::string& path) {
-  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), &std::free);
-  return real != nullptr ? real.get() : path;
-}
-
-std::string folderOf(const std::string& path) {
-  const size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
-}
-
-/// The permissions for the new file: those of the file it replaces, if there is one.
-std::optional<mode_t> replacedMode(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) return std::nullopt;
-  if (!S_ISREG(status.st_mode)) {
-    throw PictureFault("is a folder or device, no ordinary file; choose another name");
-  }
-  if (access(path.c_str(), W_OK) != 0) failToStore(errno);
-  return status.st_mode & 07777;
-}
-
-/// A file beside the target which vanishes again unless it is moved onto the target.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::string& folder) {
-    constexpr int kTries = 1000;
-    for (int i = 0; i < kTries && descriptor_ < 0; ++i) {
-      name_ = folder + ".picture-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp";
-      descriptor_ = open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-      if (descriptor_ < 0 && errno != EEXIST) failToStore(errno);
-    }
-    if (descriptor_ < 0) failToStore(EEXIST);
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
-    if (descriptor_ >= 0) close(descriptor_);
-    if (!moved_) unlink(name_.c_str());
-  }
-
-  void write(const Bytes& bytes) const {
-    size_t done = 0;
-    while (done < bytes.size()) {
-      const ssize_t count = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
-      if (count == 0) failToStore(ENOSPC);
-      if (count < 0 && errno != EINTR) failToStore(errno);
-      if (count > 0) done += static_cast<size_t>(count);
-    }
-  }
-  void setMode(mode_t mode) const {
-    if (fchmod(descriptor_, mode) != 0) failToStore(errno);
-  }
-  void moveTo(const std::string& target) {
-    // Some file systems tell of a full disk only here.
-    if (close(std::exchange(descriptor_, -1)) != 0) failToStore(errno);
-    if (rename(name_.c_str(), target.c_str()) != 0) failToStore(errno);
-    moved_ = true;
-  }
-
- private:
-  std::string name_;
-  int descriptor_ = -1;
-  bool moved_ = false;
-};
-
-void store(const std::string& path, const Bytes& bytes) {
-  if (path.find('\0') != std::string::npos) {
-    throw PictureFault("the name contains a zero byte; choose another one");
-  }
-  const std::string target = resolveLink(path);
-  const std::optional<mode_t> mode = replacedMode(target);
-  TemporaryFile file(folderOf(target));
-  file.write(bytes);
-  if (mode) file.setMode(*mode);
-  file.moveTo(target);
-}
-
 }  // namespace
 
 void checkWritableFormat(const std::string& path) {
@@ -237,8 +147,8 @@ void checkWritableFormat(const std::string& path) {
 void writeImage(const std::string& path, const Image& image) {
   checkWritableFormat(path);
   try {
-    store(path, encode(*writableFormat(path), image));
-  } catch (const PictureFault& fault) {
+    writeFile(path, encode(*writableFormat(path), image));
+  } catch (const FileFault& fault) {
     throw imageError(path, fault.what());
   } catch (const std::bad_alloc&) {
     throw imageError(path, kOutOfMemory);
@@ -248,7 +158,7 @@ void writeImage(const std::string& path, const Image& image) {
 std::vector<uint8_t> encodePng(const Image& image) {
   try {
     return encode(WritableFormat::kPng, image);
-  } catch (const PictureFault& fault) {
+  } catch (const FileFault& fault) {
     throw imageError("picture", fault.what());
   } catch (const std::bad_alloc&) {
     throw imageError("picture", kOutOfMemory);

@@ -15,7 +15,7 @@ namespace {
 using Bytes = std::span<const uint8_t>;
 
 [[noreturn]] void unsupported(const std::string& kind) {
-  throw PictureFault(kind + " is not supported; save the picture as an ordinary PNG and try again");
+  throw FileFault(kind + " is not supported; save the picture as an ordinary PNG and try again");
 }
 
 // ---- PNG -----------------------------------------------------------------------------------
@@ -47,7 +47,7 @@ void checkPng(Bytes bytes) {
     const uint64_t length = reader.u32be();
     const Bytes typeAndData = reader.take(4 + length);
     type.assign(typeAndData.begin(), typeAndData.begin() + 4);
-    if (reader.u32be() != crc32(typeAndData)) throw DamagedPicture("a checksum does not fit");
+    if (reader.u32be() != crc32(typeAndData)) throw DamagedFile("a checksum does not fit");
   }
 }
 
@@ -65,7 +65,7 @@ void checkHuffmanTables(Bytes segment) {
     reader.skip(1);  // class and number of the table
     uint32_t codes = 0;
     for (const uint8_t count : reader.take(16)) codes += count;
-    if (codes > 256) throw DamagedPicture("a code table is too long");
+    if (codes > 256) throw DamagedFile("a code table is too long");
     reader.skip(codes);
   }
 }
@@ -92,7 +92,7 @@ void checkJpeg(Bytes bytes) {
   uint8_t marker = nextMarker(reader);
   while (marker != kEndOfImage) {
     const uint32_t length = reader.u16be();
-    if (length < 2) throw DamagedPicture("a segment has no length");
+    if (length < 2) throw DamagedFile("a segment has no length");
     const Bytes segment = reader.take(length - 2);
     if (marker == kHuffmanTables) checkHuffmanTables(segment);
     marker = marker == kStartOfScan ? skipScan(reader) : nextMarker(reader);
@@ -134,7 +134,7 @@ void checkBmpKind(const BmpHeader& header) {
   if (std::ranges::count(kInfoSizes, header.infoSize) == 0 && !oldWithoutPalette) {
     unsupported("this kind of BMP header");
   }
-  if (std::ranges::count(kBits, header.bits) == 0) throw DamagedPicture("wrong bits per pixel");
+  if (std::ranges::count(kBits, header.bits) == 0) throw DamagedFile("wrong bits per pixel");
   const bool masked = header.compression == 3 && (header.bits == 16 || header.bits == 32);
   if (header.compression != 0 && !masked) unsupported("this compression of BMP");
 }
@@ -143,14 +143,14 @@ void checkBmpPalette(const BmpHeader& header) {
   if (header.bits > 8) return;
   const int64_t palette =
       int64_t{header.pixelOffset} - kBmpFileHeader - static_cast<int64_t>(header.infoSize);
-  if (palette < 4 || palette / 4 > 256) throw DamagedPicture("the palette is missing");
+  if (palette < 4 || palette / 4 > 256) throw DamagedFile("the palette is missing");
 }
 
 void checkBmp(Bytes bytes) {
   const BmpHeader header = readBmpHeader(bytes);
   checkBmpKind(header);
   checkBmpPalette(header);
-  if (header.width < 0) throw DamagedPicture("the width is negative");
+  if (header.width < 0) throw DamagedFile("the width is negative");
   const auto rows = static_cast<uint64_t>(std::abs(header.height));
   checkSize(static_cast<uint64_t>(header.width), rows);
   const uint64_t rowBits = static_cast<uint64_t>(header.width) * header.bits;
@@ -183,7 +183,7 @@ void checkGif(Bytes bytes) {
     reader.skip(1);  // kind of extension
     skipSubBlocks(reader);
   }
-  if (block != kFrame) throw DamagedPicture("there is no picture in it");
+  if (block != kFrame) throw DamagedFile("there is no picture in it");
   reader.skip(8);  // the frame's place
   skipColorTable(reader, reader.u8());
   reader.skip(1);  // code size
@@ -258,7 +258,7 @@ void checkTga(Bytes bytes) {
   if (header.paletteKind == 1) {
     // The decoder misplaces such a palette.
     if (header.paletteStart != 0) unsupported("a TGA palette that does not start at 0");
-    if (header.paletteLength == 0) throw DamagedPicture("the palette is missing");
+    if (header.paletteLength == 0) throw DamagedFile("the palette is missing");
     reader.skip(uint64_t{header.paletteLength} * ((header.paletteBits + 7U) / 8));
   }
   const uint64_t pixels = uint64_t{header.width} * header.height;

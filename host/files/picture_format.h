@@ -17,8 +17,8 @@ std::string_view formatName(PictureFormat format);
 PictureFormat detectFormat(std::span<const uint8_t> bytes);
 
 /// Walks the structure of a PNG, JPEG, BMP, GIF or TGA file without decoding a pixel: everything
-/// the decoder will read has to be there and to be sane. Throws DamagedPicture if not, or
-/// PictureFault for what the decoder does not support.
+/// the decoder will read has to be there and to be sane. Throws DamagedFile if not, or
+/// FileFault for what the decoder does not support.
 /// The decoder takes missing bytes for zeros and trusts some counts that it should not, so this
 /// is what makes it safe and exact.
 void checkStructure(PictureFormat format, std::span<const uint8_t> bytes);

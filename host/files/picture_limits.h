@@ -15,7 +15,7 @@ inline constexpr uint64_t kMaxSide = 1'000'000;
 inline constexpr const char* kTooLarge =
     " is too large; at most 128 megapixels and 1000000 pixels a side are possible, make it smaller";
 
-/// Throws PictureFault unless 1 <= width, height <= kMaxSide and width * height <= kMaxPixels.
+/// Throws FileFault unless 1 <= width, height <= kMaxSide and width * height <= kMaxPixels.
 void checkSize(uint64_t width, uint64_t height);
 
 }  // namespace host

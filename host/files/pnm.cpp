@@ -40,14 +40,14 @@ uint8_t nextByte(ByteReader& reader) {
 /// Reads a decimal number and the one byte after it, if there is one.
 uint32_t readNumber(ByteReader& reader) {
   uint8_t byte = nextByte(reader);
-  if (!isDigit(byte)) throw DamagedPicture("a number is expected");
+  if (!isDigit(byte)) throw DamagedFile("a number is expected");
   uint32_t value = 0;
   while (isDigit(byte)) {
-    if (value > 99'999'999) throw DamagedPicture("a number is too large");
+    if (value > 99'999'999) throw DamagedFile("a number is too large");
     value = value * 10 + (byte - uint32_t{'0'});
     byte = reader.left() > 0 ? reader.u8() : uint8_t{' '};
   }
-  if (!isSpace(byte)) throw DamagedPicture("a number is followed by something else");
+  if (!isSpace(byte)) throw DamagedFile("a number is followed by something else");
   return value;
 }
 
@@ -55,14 +55,13 @@ Header readHeader(ByteReader& reader) {
   Header header;
   reader.skip(1);
   header.kind = static_cast<char>(reader.u8());
-  if (!isSpace(reader.u8()))
-    throw DamagedPicture("white space is expected after the first letters");
+  if (!isSpace(reader.u8())) throw DamagedFile("white space is expected after the first letters");
   header.width = readNumber(reader);
   header.height = readNumber(reader);
   checkSize(header.width, header.height);
   if (header.kind != '1' && header.kind != '4') header.maximum = readNumber(reader);
   if (header.maximum < 1 || header.maximum > 65535) {
-    throw DamagedPicture("the largest sample has to be 1 to 65535");
+    throw DamagedFile("the largest sample has to be 1 to 65535");
   }
   return header;
 }
@@ -80,7 +79,7 @@ void checkLength(const Header& header, size_t left) {
 /// 1 is black in both kinds of black and white pictures.
 uint32_t readDigit(ByteReader& reader) {
   const uint8_t byte = nextByte(reader);
-  if (byte != '0' && byte != '1') throw DamagedPicture("0 or 1 is expected");
+  if (byte != '0' && byte != '1') throw DamagedFile("0 or 1 is expected");
   return byte == '1' ? 0 : 1;
 }
 
@@ -98,7 +97,7 @@ uint32_t readSample(ByteReader& reader, const Header& header) {
 
 uint32_t readByteSample(ByteReader& reader, const Header& header) {
   const uint32_t sample = readSample(reader, header);
-  if (sample > header.maximum) throw DamagedPicture("a sample is larger than the largest allowed");
+  if (sample > header.maximum) throw DamagedFile("a sample is larger than the largest allowed");
   return (sample * 255 + header.maximum / 2) / header.maximum;
 }
 

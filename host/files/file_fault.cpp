@@ -1,13 +1,13 @@
-#include "host/files/picture_fault.h"
+#include "host/files/file_fault.h"
 
 #include <algorithm>
 
 namespace host {
 
-ImageError imageError(std::string path, const std::string& text) {
+std::string fileMessage(std::string path, const std::string& text) {
   const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; };
   std::ranges::replace_if(path, isControl, '?');
-  return ImageError(path + ": " + text);
+  return path + ": " + text;
 }
 
 }  // namespace host

@@ -1,0 +1,147 @@
+#include "host/files/file_bytes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "host/files/file_fault.h"
+
+namespace host {
+
+namespace {
+
+using FileHandle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/// More than any picture worth reading, and all that a 32-bit process can well hold.
+constexpr size_t kMaxFileBytes = size_t{1} << 29;
+
+// ---- Reading -------------------------------------------------------------------------------
+
+[[noreturn]] void failToOpen(int error) {
+  throw FileFault(std::string("cannot be read: ") + std::strerror(error) +
+                  "; check the name and the permissions");
+}
+
+FileHandle openFile(const std::string& path) {
+  if (path.find('\0') != std::string::npos) {
+    throw FileFault("the name contains a zero byte; choose another one");
+  }
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) failToOpen(errno);
+  if (S_ISDIR(status.st_mode)) throw FileFault("is a folder; give the name of a file");
+  FileHandle file(std::fopen(path.c_str(), "rb"), &std::fclose);
+  if (file == nullptr) failToOpen(errno);
+  return file;
+}
+
+// ---- Writing -------------------------------------------------------------------------------
+
+[[noreturn]] void failToStore(int error) {
+  throw FileFault(std::string("cannot be written: ") + std::strerror(error) +
+                  "; choose another folder or make room");
+}
+
+/// The file a symbolic link stands for, or the path itself.
+std::string resolveLink(const std::string& path) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), &std::free);
+  return real != nullptr ? real.get() : path;
+}
+
+std::string folderOf(const std::string& path) {
+  const size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+/// The permissions for the new file: those of the file it replaces, if there is one.
+std::optional<mode_t> replacedMode(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  if (!S_ISREG(status.st_mode)) {
+    throw FileFault("is a folder or device, no ordinary file; choose another name");
+  }
+  if (access(path.c_str(), W_OK) != 0) failToStore(errno);
+  return status.st_mode & 07777;
+}
+
+/// A file beside the target which vanishes again unless it is moved onto the target.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& folder) {
+    constexpr int kTries = 1000;
+    for (int i = 0; i < kTries && descriptor_ < 0; ++i) {
+      name_ = folder + ".picture-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp";
+      descriptor_ = open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+      if (descriptor_ < 0 && errno != EEXIST) failToStore(errno);
+    }
+    if (descriptor_ < 0) failToStore(EEXIST);
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() {
+    if (descriptor_ >= 0) close(descriptor_);
+    if (!moved_) unlink(name_.c_str());
+  }
+
+  void write(std::span<const uint8_t> bytes) const {
+    size_t done = 0;
+    while (done < bytes.size()) {
+      const ssize_t count = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
+      if (count == 0) failToStore(ENOSPC);
+      if (count < 0 && errno != EINTR) failToStore(errno);
+      if (count > 0) done += static_cast<size_t>(count);
+    }
+  }
+  void setMode(mode_t mode) const {
+    if (fchmod(descriptor_, mode) != 0) failToStore(errno);
+  }
+  void moveTo(const std::string& target) {
+    // Some file systems tell of a full disk only here.
+    if (close(std::exchange(descriptor_, -1)) != 0) failToStore(errno);
+    if (rename(name_.c_str(), target.c_str()) != 0) failToStore(errno);
+    moved_ = true;
+  }
+
+ private:
+  std::string name_;
+  int descriptor_ = -1;
+  bool moved_ = false;
+};
+
+}  // namespace
+
+std::vector<uint8_t> readFile(const std::string& path) {
+  const FileHandle file = openFile(path);
+  std::vector<uint8_t> bytes;
+  size_t used = 0;
+  while (std::feof(file.get()) == 0) {
+    if (used == kMaxFileBytes) throw FileFault("the file is too large; at most 512 MB are read");
+    bytes.resize(std::min(kMaxFileBytes, std::max<size_t>(65536, 2 * used)));
+    used += std::fread(bytes.data() + used, 1, bytes.size() - used, file.get());
+    if (std::ferror(file.get()) != 0) failToOpen(errno);
+  }
+  bytes.resize(used);
+  return bytes;
+}
+
+void writeFile(const std::string& path, std::span<const uint8_t> bytes) {
+  if (path.find('\0') != std::string::npos) {
+    throw FileFault("the name contains a zero byte; choose another one");
+  }
+  const std::string target = resolveLink(path);
+  const std::optional<mode_t> mode = replacedMode(target);
+  TemporaryFile file(folderOf(target));
+  file.write(bytes);
+  if (mode) file.setMode(*mode);
+  file.moveTo(target);
+}
+
+}  // namespace host

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
-#include <new>
 #include <string>
 
-#include "host/core/memory_block.h"
+#include "host/core/built_in_members.h"
+#include "host/core/memory_block_class.h"
 #include "host/core/picture.h"
 #include "host/core/runtime.h"
 #include "host/files/picture_io.h"
@@ -15,41 +14,6 @@ namespace host {
 namespace {
 
 using Arguments = std::span<Value>;
-
-int32_t integer(const Value& value) { return std::get<int32_t>(value); }
-
-template <typename T>
-T& as(Object* self) {
-  return static_cast<T&>(*self);
-}
-
-Member method(const char* declaration, std::function<Value(Object*, Arguments)> call) {
-  Member member;
-  member.declaration = parseDeclaration(declaration);
-  if (member.declaration.result) member.assignedType = *member.declaration.result;
-  member.call = std::move(call);
-  return member;
-}
-
-Member property(const char* declaration, std::function<Value(Object*)> get,
-                std::function<void(Object*, const Value&)> set = nullptr) {
-  Member member = method(
-      declaration, [get = std::move(get)](Object* self, Arguments /*none*/) { return get(self); });
-  member.isProperty = true;
-  if (set != nullptr) {
-    member.assign = [set = std::move(set)](Object* self, Arguments /*none*/, const Value& value) {
-      set(self, value);
-    };
-  }
-  return member;
-}
-
-Member assignable(const char* declaration, std::function<Value(Object*, Arguments)> get,
-                  std::function<void(Object*, Arguments, const Value&)> set) {
-  Member member = method(declaration, std::move(get));
-  member.assign = std::move(set);
-  return member;
-}
 
 // --- Picture -----------------------------------------------------------------
 
@@ -165,61 +129,6 @@ void addGraphics(Registry& registry) {
              }),
       method("DrawPicture(Image as Picture, x as Integer, y as Integer)", drawWhole),
       method(kDrawPictureDeclaration, drawPart),
-  };
-}
-
-// --- MemoryBlock -------------------------------------------------------------
-
-/// The address of `count` bytes from the index on; raises an exception if they
-/// are not all in the block.
-uint8_t* bytesAt(Object* self, const Value& index, size_t count) {
-  auto& bytes = as<MemoryBlock>(self).bytes;
-  const int32_t offset = integer(index);
-  if (offset < 0 || static_cast<size_t>(offset) + count > bytes.size()) {
-    raise("OutOfBoundsException", "Byte " + std::to_string(offset) + " is not in a block of " +
-                                      std::to_string(bytes.size()) + " bytes.");
-  }
-  return bytes.data() + offset;
-}
-
-Value makeMemoryBlock(Arguments arguments) {
-  const int32_t size = integer(arguments[0]);
-  if (size < 0) raise("OutOfBoundsException", "A block cannot have fewer than 0 bytes.");
-  try {
-    return objectValue(makeObject<MemoryBlock>(std::vector<uint8_t>(static_cast<size_t>(size))));
-  } catch (const std::bad_alloc&) {
-    raise("OutOfMemoryException", "There is no memory for " + std::to_string(size) + " bytes.");
-  }
-}
-
-void addMemoryBlock(Registry& registry) {
-  Class& block = registry.addClass("MemoryBlock");
-  block.constructors = {
-      method("Constructor(size as integer) as MemoryBlock",
-             [](Object*, Arguments arguments) { return makeMemoryBlock(arguments); })};
-  block.members = {
-      property(
-          "Size as Integer",
-          [](Object* self) { return static_cast<int32_t>(as<MemoryBlock>(self).bytes.size()); }),
-      assignable(
-          "Byte(index as integer) as integer",
-          [](Object* self, Arguments arguments) -> Value {
-            return static_cast<int32_t>(*bytesAt(self, arguments[0], 1));
-          },
-          [](Object* self, Arguments arguments, const Value& value) {
-            *bytesAt(self, arguments[0], 1) = static_cast<uint8_t>(integer(value));
-          }),
-      assignable(
-          "Long(index as integer) as integer",
-          [](Object* self, Arguments arguments) -> Value {
-            int32_t number = 0;
-            memcpy(&number, bytesAt(self, arguments[0], sizeof number), sizeof number);
-            return number;
-          },
-          [](Object* self, Arguments arguments, const Value& value) {
-            const int32_t number = integer(value);
-            memcpy(bytesAt(self, arguments[0], sizeof number), &number, sizeof number);
-          }),
   };
 }
 

@@ -1,7 +1,6 @@
 #include <stb/stb_image_write.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <new>
 #include <optional>

@@ -1,0 +1,10 @@
+// The class MemoryBlock of scripts.
+#pragma once
+
+#include "host/core/registry.h"
+
+namespace host {
+
+void addMemoryBlock(Registry& registry);
+
+}  // namespace host

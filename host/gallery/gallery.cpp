@@ -18,13 +18,19 @@ bool shows(const Recipe& recipe, std::string_view className, const Member& membe
   return sameName(recipe.className, className) && recipe.declaration == member.declaration.text;
 }
 
+bool hasRecipe(std::string_view className, const Member& member) {
+  for (const RecipeGroup& group : recipeGroups()) {
+    for (const Recipe& recipe : group.recipes) {
+      if (shows(recipe, className, member)) return true;
+    }
+  }
+  return false;
+}
+
 /// Throws if a registered member has no recipe.
 void checkMembers(std::string_view className, const std::vector<Member>& members) {
   for (const Member& member : members) {
-    if (!member.isRegistered) continue;
-    bool found = false;
-    for (const Recipe& recipe : recipes()) found = found || shows(recipe, className, member);
-    if (!found) {
+    if (member.isRegistered && !hasRecipe(className, member)) {
       throw std::logic_error("the gallery has no recipe for " + std::string(className) +
                              (className.empty() ? "" : ".") + member.declaration.text);
     }
@@ -35,6 +41,17 @@ void checkAllMembers() {
   Registry& registry = runtime().registry;
   for (const Class& entry : registry.classes()) checkMembers(entry.name, entry.members);
   checkMembers("", registry.globals());
+}
+
+/// Another build of the plug-in may lack members.
+bool isRegistered(const Recipe& recipe) {
+  Registry& registry = runtime().registry;
+  const Class* owner = registry.findClass(recipe.className);
+  if (owner == nullptr && !recipe.className.empty()) return false;
+  for (const Member& member : owner != nullptr ? owner->members : registry.globals()) {
+    if (member.isRegistered && shows(recipe, recipe.className, member)) return true;
+  }
+  return false;
 }
 
 /// What a reader copies: of a single line the expression alone, which also
@@ -57,9 +74,11 @@ GalleryEntry entryFor(const Recipe& recipe) {
   GalleryEntry entry;
   std::ostringstream output;
   Interpreter interpreter(runtime().registry, output);
-  const auto before = openPicture("sample:" + std::string(recipe.sample));
-  entry.before = imageOf(*before);
-  interpreter.setVariable("self", objectValue(before));
+  if (!recipe.sample.empty()) {
+    const auto before = openPicture("sample:" + std::string(recipe.sample));
+    entry.before = imageOf(*before);
+    interpreter.setVariable("self", objectValue(before));
+  }
   interpreter.setVariable("result", Nil{});
   interpreter.run(Script::parse(std::string(recipe.program), std::string(recipe.declaration)));
   const Value result = interpreter.evaluate("result", "result");
@@ -81,11 +100,12 @@ GalleryEntry entryFor(const Recipe& recipe) {
 std::string makeGalleryPage() {
   checkAllMembers();
   std::vector<GalleryGroup> groups;
-  for (const Recipe& recipe : recipes()) {
-    if (groups.empty() || groups.back().title != recipe.group) {
-      groups.push_back({std::string(recipe.group), {}});
+  for (const RecipeGroup& group : recipeGroups()) {
+    GalleryGroup shown{std::string(group.title), {}};
+    for (const Recipe& recipe : group.recipes) {
+      if (isRegistered(recipe)) shown.entries.push_back(entryFor(recipe));
     }
-    groups.back().entries.push_back(entryFor(recipe));
+    if (!shown.entries.empty()) groups.push_back(std::move(shown));
   }
   return galleryPage(groups);
 }

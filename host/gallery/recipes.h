@@ -6,18 +6,22 @@
 
 namespace host {
 
-/// One picture of the gallery. Recipes stand in the order in which they are
-/// shown; those of one group follow each other.
+/// One entry of the gallery.
 struct Recipe {
-  std::string_view group;        ///< as users think of it
   std::string_view className;    ///< of the member; empty for global methods
   std::string_view declaration;  ///< of the member that is shown, as registered
-  std::string_view sample;       ///< the built-in picture that `self` is
+  std::string_view sample;       ///< the built-in picture that `self` is; empty for none
   /// A program that leaves what is shown in `result`: a picture or any value.
   std::string_view program;
   std::string_view note;  ///< one sentence
 };
 
-std::span<const Recipe> recipes();
+struct RecipeGroup {
+  std::string_view title;  ///< as users think of them
+  std::span<const Recipe> recipes;
+};
+
+/// In the order in which they are shown.
+std::span<const RecipeGroup> recipeGroups();
 
 }  // namespace host

@@ -129,6 +129,20 @@ TEST(Sound, WhatCannotBeReadIsSaidInOneLine) {
   }
 }
 
+TEST(Sound, PeaksAreTheLoudestOfTheirStretch) {
+  const auto bytes = [](std::initializer_list<int> levels) {
+    std::vector<uint8_t> result;
+    for (const int level : levels) result.push_back(static_cast<uint8_t>(level));
+    return result;
+  };
+  const auto pairs = bytes({5, 1, -7, -2, 0, 3, -128, -128, 1, 0});
+  EXPECT_EQ(peaksOf(pairs, 1), bytes({-128, 127}));
+  EXPECT_EQ(peaksOf(pairs, 2), bytes({-7, 2, -128, 127}));
+  EXPECT_EQ(peaksOf(pairs, 5), bytes({-5, 1, -7, 2, 0, 3, -128, 127, -1, 0}));
+  EXPECT_EQ(peaksOf(bytes({9, 8, 4, 3, 77}), 3), bytes({-9, 8, -9, 8, -4, 3}));
+  EXPECT_EQ(peaksOf(bytes({9}), 3), bytes({}));
+}
+
 TEST(Sound, SamplesAreLoudStereoAndAlwaysTheSame) {
   std::set<std::string_view> names;
   for (const SampleSound& sound : sampleSounds()) {
@@ -159,8 +173,10 @@ class SoundFileTest : public FolderTest {
 TEST_F(SoundFileTest, ScriptsReadSoundsAndKeepBytes) {
   write("mono.wav", wave(1, 1, 8, "\x81\x70"));
   write("raw.bin", std::string("\xFF\x01\x00\x80\x7F", 5));
-  EXPECT_EQ(run(R"(Dim s As MemoryBlock = MemoryBlock.OpenSamples(f + "mono.wav")
+  EXPECT_EQ(
+      run(R"(Dim s As MemoryBlock = MemoryBlock.OpenSamples(f + "mono.wav")
 Print s.Size, s.Int8Value(0), s.Int8Value(1), s.Int8Value(2), s.Int8Value(3)
+Print MemoryBlock.OpenPeaks(f + "mono.wav", 1).UInt16Value(0)
 Print MemoryBlock.Open(f + "mono.wav").StringValue(0, 4)
 s = MemoryBlock.OpenSamples(f + "raw.bin")
 Print s.Size, s.Int8Value(0), s.Byte(0), s.Int16Value(0), s.UInt16Value(2), s.Int8Value(4)
@@ -174,7 +190,7 @@ Dim d As New MemoryBlock(9)
 d.DoubleValue(1) = -2.5
 Print d.DoubleValue(1), d.Byte(8)
 )"),
-            "4 1 1 -16 -16\nRIFF\n5 -1 255 511 32768 127\n-1 4294967295 True\nZabc\n-2.5 192\n");
+      "4 1 1 -16 -16\n4336\nRIFF\n5 -1 255 511 32768 127\n-1 4294967295 True\nZabc\n-2.5 192\n");
 }
 
 TEST_F(SoundFileTest, ProblemsAreExceptionsOfOneLine) {
@@ -190,12 +206,13 @@ TEST_F(SoundFileTest, ProblemsAreExceptionsOfOneLine) {
     If what = 5 Then Print b.StringValue(0, -1)
     If what = 6 Then b.Long(1) = 1
     If what = 7 Then b.UInt32Value(0) = -1
+    If what = 8 Then b = MemoryBlock.OpenPeaks("sample:chord", 0)
     Print "nothing was raised"
   Catch e As RuntimeException
     Print e.Message
   End Try
 End Sub
-For i As Integer = 0 To 7
+For i As Integer = 0 To 8
   Try1(i)
 Next
 )";
@@ -211,7 +228,8 @@ Next
                 "3 bytes from byte 2 on are not in a block of 4 bytes.\n"
                 "A string cannot have fewer than 0 bytes.\n"
                 "4 bytes from byte 1 on are not in a block of 4 bytes.\n"
-                "UInt32Value takes 0 to 4294967295.\n");
+                "UInt32Value takes 0 to 4294967295.\n"
+                "OpenPeaks takes a count above 0.\n");
 }
 
 }  // namespace

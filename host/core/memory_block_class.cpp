@@ -102,6 +102,12 @@ Member textAt(const char* declaration) {
       });
 }
 
+Value openPeaksOf(Arguments arguments) {
+  const int32_t count = integer(arguments[1]);
+  if (count < 1) raise("OutOfBoundsException", "OpenPeaks takes a count above 0.");
+  return objectValue(openPeaks(std::get<std::string>(arguments[0]), count));
+}
+
 const std::string& path(Arguments arguments) { return std::get<std::string>(arguments[0]); }
 
 }  // namespace
@@ -117,6 +123,8 @@ void addMemoryBlock(Registry& registry) {
       method(
           "OpenSamples(path as string) as MemoryBlock",
           [](Object*, Arguments arguments) { return objectValue(openSamples(path(arguments))); }),
+      method("OpenPeaks(path as string, count as integer) as MemoryBlock",
+             [](Object*, Arguments arguments) { return openPeaksOf(arguments); }),
   };
   block.members = {
       property(

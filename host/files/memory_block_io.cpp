@@ -53,6 +53,12 @@ Ref<MemoryBlock> openSamples(const std::string& path) {
   return guarded(path, [&path] { return makeObject<MemoryBlock>(readSamples(path)); });
 }
 
+Ref<MemoryBlock> openPeaks(const std::string& path, int32_t count) {
+  return guarded(path, [&path, count] {
+    return makeObject<MemoryBlock>(peaksOf(readSamples(path), static_cast<size_t>(count)));
+  });
+}
+
 void saveBlock(const MemoryBlock& block, const std::string& path) {
   guarded(path, [&block, &path] { writeFile(path, block.bytes); });
 }

@@ -14,6 +14,9 @@ Ref<MemoryBlock> openBlock(const std::string& path);
 /// sound of a name such as "sample:chord", or the bytes of any other file as they are.
 Ref<MemoryBlock> openSamples(const std::string& path);
 
+/// The loudest levels of such samples in as many stretches of them; the count is above 0.
+Ref<MemoryBlock> openPeaks(const std::string& path, int32_t count);
+
 /// Writes all bytes.
 void saveBlock(const MemoryBlock& block, const std::string& path);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -119,6 +120,9 @@ std::vector<uint8_t> readChunks(Bytes wave) {
   }
 }
 
+/// The distance from silence.
+int loudness(uint8_t level) { return std::abs(static_cast<int8_t>(level)); }
+
 }  // namespace
 
 uint8_t levelOf(double sample) {
@@ -138,6 +142,25 @@ std::vector<uint8_t> levelPairs(std::span<const uint8_t> wave) {
     throw FileFault(std::string("the WAV sound is damaged (") + damage.what() +
                     "); get an intact copy of the file");
   }
+}
+
+std::vector<uint8_t> peaksOf(std::span<const uint8_t> pairs, size_t count) {
+  const uint64_t samples = pairs.size() / 2;
+  if (samples == 0) return {};
+  const auto startOf = [&](size_t i) { return static_cast<size_t>(i * samples / count); };
+  std::vector<uint8_t> peaks(2 * count);
+  for (size_t i = 0; i < count; ++i) {
+    int first = 0;
+    int second = 0;
+    const size_t end = std::max(startOf(i) + 1, startOf(i + 1));
+    for (size_t k = startOf(i); k < end; ++k) {
+      first = std::max(first, loudness(pairs[2 * k]));
+      second = std::max(second, loudness(pairs[2 * k + 1]));
+    }
+    peaks[2 * i] = static_cast<uint8_t>(-first);
+    peaks[2 * i + 1] = static_cast<uint8_t>(std::min(second, 127));
+  }
+  return peaks;
 }
 
 }  // namespace host

@@ -20,4 +20,9 @@ bool isWave(std::span<const uint8_t> bytes);
 /// file ends early, what is there counts. Throws FileFault if nothing can be read.
 std::vector<uint8_t> levelPairs(std::span<const uint8_t> wave);
 
+/// As many pairs as asked for, at least one, each for its stretch of the samples: minus the loudest
+/// level of the first values, and the loudest of the second ones. Drawn side by side they show a
+/// long sound as people know it. No pairs if there are no samples.
+std::vector<uint8_t> peaksOf(std::span<const uint8_t> pairs, size_t count);
+
 }  // namespace host

@@ -126,7 +126,8 @@ class Page {
       writePicture("Before", entry.member, entry.before, beforeCode_);
     }
     if (!isEmpty(entry.after)) {
-      writePicture("After", entry.member, entry.after, encoded(encodePng(entry.after)));
+      writePicture(isEmpty(entry.before) ? "Result" : "After", entry.member, entry.after,
+                   encoded(encodePng(entry.after)));
     } else {
       writeValue(entry.value);
     }

@@ -6,7 +6,7 @@ std::span<const Recipe> colorRecipes() {
   static constexpr Recipe kRecipes[] = {
       {"Picture", "ChangeSaturationQRZ(Amount as integer) as picture", "landscape",
        "result = self.ChangeSaturationQRZ(300)",
-       "Pushes the channels away from the pixel's grey; -255 leaves that grey alone."},
+       "Pushes the channels away from the pixel's grey; -255 leaves only that grey."},
       {"", "TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
        "landscape", "result = TintPictureQRZ(self, RGB(76, 150, 29), RGB(255, 224, 176))",
        "The first colour weighs red, green and blue into a grey; the second is what white "

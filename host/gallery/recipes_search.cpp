@@ -60,7 +60,6 @@ Next)",
        R"(Dim first, second, third As MemoryBlock
 Dim count As Integer
 self.CountColorsQRZ(first, second, third, count)
-result = New Picture(512, 300, 32)
 Sub Bars(levels As MemoryBlock, ink As Color, bottom As Integer)
   Dim most As Integer = 1
   For i As Integer = 0 To 255
@@ -72,6 +71,7 @@ Sub Bars(levels As MemoryBlock, ink As Color, bottom As Integer)
     result.Graphics.FillRect(2 * i, bottom - h, 2, h)
   Next
 End Sub
+result = New Picture(512, 300, 32)
 Bars(first, &cD03030, 96)
 Bars(second, &c30A040, 196)
 Bars(third, &c3060D0, 296))",

@@ -18,7 +18,8 @@ std::span<const Recipe> toneRecipes() {
        "One number per channel: less red and more blue make a cold light."},
       {"Picture", "ChangeContrastQRZ(x as double) as picture", "landscape",
        "result = self.ChangeContrastQRZ(0.8)",
-       "Pushes every channel away from the middle, 127; 0 changes nothing, -1 leaves grey alone."},
+       "Pushes every channel away from the middle, 127; 0 changes nothing, -1 makes all of it "
+       "grey."},
       {"Picture", "ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture",
        "colors", "result = self.ChangeContrastQRZ(1, 0, -1)",
        "One number per channel: steeper red, green as it is, and a blue of 127 everywhere."},

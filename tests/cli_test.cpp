@@ -141,23 +141,6 @@ TEST_F(CliTest, ScriptErrorsShowTheLine) {
                                 "'InvertQRZ'?\np.InvertQZR.Save(\"x.png\")\n  ^\n");
 }
 
-TEST_F(CliTest, ExamplesRunCleanly) {
-  const std::string examples = QRZ_SOURCE_FOLDER "/examples/";
-  EXPECT_EQ(qrz("--check run " + examples + "identity.rbs").output,
-            "0 0 57 becomes 0 0 56\n100 100 100 becomes 100 100 100\n"
-            "255 255 255 becomes 255 255 255\n");
-  for (const char* name : {"warm.rbs", "before_after.rbs"}) {
-    const std::string result = path(std::string(name) + ".png");
-    const std::string command = " run " + examples + name + " sample:landscape@90x60 " + result;
-    for (const char* mode : {"gworld", "context", "bitmap"}) {
-      const Outcome outcome = qrz("--check --pictures " + (mode + command));
-      EXPECT_EQ(outcome.status, 0) << name << " " << mode;
-      EXPECT_EQ(outcome.output, "") << name << " " << mode;
-      EXPECT_GE(readImage(result).width, 90) << name << " " << mode;
-    }
-  }
-}
-
 TEST_F(CliTest, GalleryShowsEveryRegisteredMember) {
   const Outcome outcome = qrz("--check gallery " + path("page"));
   ASSERT_EQ(outcome.status, 0) << outcome.output;

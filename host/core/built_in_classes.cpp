@@ -9,6 +9,7 @@
 #include "host/core/picture.h"
 #include "host/core/runtime.h"
 #include "host/files/picture_io.h"
+#include "plugin/binding/description.h"
 
 namespace host {
 namespace {
@@ -94,10 +95,17 @@ Value drawPart(Object* self, Arguments arguments) {
   return Nil{};
 }
 
+/// The address of the GWorld behind the picture; 0 if there is none.
+int32_t worldHandle(Object* self) {
+  PixelStore& store = target(self).store();
+  return store.type() == qrz::kGWorld ? reinterpret_cast<int32_t>(store.data()) : 0;
+}
+
 void addGraphics(Registry& registry) {
   registry.addClass("Graphics").members = {
       property("Width as Integer", [](Object* self) { return target(self).width(); }),
       property("Height as Integer", [](Object* self) { return target(self).height(); }),
+      property("Handle as Integer", worldHandle),
       property(
           "ForeColor as Color", [](Object* self) { return Color{target(self).pen.color}; },
           [](Object* self, const Value& value) {

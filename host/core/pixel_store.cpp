@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <type_traits>
 #include <vector>
 
 #include "platform/standin/standin.h"
@@ -71,13 +73,37 @@ void write16(uint8_t* row, const uint32_t* words, int32_t count) {
   }
 }
 
+struct WorldDeleter {
+  void operator()(GWorldPtr world) const;
+};
+using SharedWorld = std::shared_ptr<std::remove_pointer_t<GWorldPtr>>;
+
+/// The worlds that belong to stores. Several stores may show one of them; it
+/// lives as long as they do.
+std::map<GWorldPtr, SharedWorld::weak_type>& ownedWorlds() {
+  static auto& worlds = *new std::map<GWorldPtr, SharedWorld::weak_type>;
+  return worlds;
+}
+
+void WorldDeleter::operator()(GWorldPtr world) const {
+  ownedWorlds().erase(world);
+  standin::disposeGWorld(world);
+}
+
+/// Null if nobody owns the world.
+SharedWorld shareWorld(GWorldPtr world, bool owned) {
+  const auto found = ownedWorlds().find(world);
+  if (found != ownedWorlds().end()) return found->second.lock();
+  if (!owned) return nullptr;
+  SharedWorld shared(world, WorldDeleter());
+  ownedWorlds()[world] = shared;
+  return shared;
+}
+
 class GWorldStore final : public PixelStore {
  public:
   GWorldStore(GWorldPtr world, bool owned)
-      : world_(world), pixels_(standin::pixelsOf(world)), owned_(owned) {}
-  ~GWorldStore() override {
-    if (owned_) standin::disposeGWorld(world_);
-  }
+      : world_(world), owner_(shareWorld(world, owned)), pixels_(standin::pixelsOf(world)) {}
 
   [[nodiscard]] int32_t type() const override { return qrz::kGWorld; }
   [[nodiscard]] void* data() override { return world_; }
@@ -108,8 +134,8 @@ class GWorldStore final : public PixelStore {
   }
 
   GWorldPtr world_;
+  SharedWorld owner_;
   standin::Pixels pixels_;
-  bool owned_;
 };
 
 class ContextStore final : public PixelStore {

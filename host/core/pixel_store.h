@@ -54,8 +54,9 @@ class PixelStore {
 std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_t height,
                                           int32_t depth = 32);
 
-/// A store that shows a GWorld made elsewhere; it disposes of the world at its
-/// end if it owns it.
+/// A store that shows a GWorld made elsewhere; if it owns the world, that is
+/// disposed of at its end. A world that belongs to another store is shared with
+/// it, owned or not.
 std::unique_ptr<PixelStore> gworldStore(GWorldPtr world, bool owned);
 
 /// A store that holds PICT data and owns the handle. Its size is the picture's

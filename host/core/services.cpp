@@ -341,6 +341,10 @@ Object* pictureFromPicHandle(PicHandle handle, uint8_t takeOver) {
 /// With the flag set, the new picture owns the world; otherwise it only shows it.
 Object* pictureFromGWorld(GWorldPtr world, uint8_t takeOver) {
   if (!called("REALBuildPictureFromGWorld") || world == nullptr) return nullptr;
+  if (!standin::isGWorld(world)) {
+    runtime().reportMisuse("REALBuildPictureFromGWorld got a handle of no GWorld");
+    return nullptr;
+  }
   return makeObject<Picture>(gworldStore(world, takeOver != 0)).detach();
 }
 

@@ -17,6 +17,7 @@ struct OpaquePort {
   OpaquePixMap map;
   uint32_t foreground;  ///< 0x00RRGGBB
   uint32_t background;
+  OpaquePort* next;  ///< of the worlds that live
 };
 
 struct OpaqueDevice {};
@@ -33,10 +34,11 @@ constexpr uint32_t kWhite = 0xFFFFFF;
 
 /// The port that is current before any other: the screen, of which nothing is
 /// ever shown.
-OpaquePort screen{nullptr, {}, kBlack, kWhite};
+OpaquePort screen{nullptr, {}, kBlack, kWhite, nullptr};
 OpaqueDevice screenDeviceRecord;
 OpaqueDevice* screenDevice = &screenDeviceRecord;
 
+OpaquePort* worlds = nullptr;
 CGrafPtr currentPort = &screen;
 GDHandle currentDevice = &screenDevice;
 
@@ -141,9 +143,10 @@ int64_t rowBytesFor(int32_t width, int32_t depth) {
 GWorldPtr newGWorldOver(uint8_t* base, int32_t width, int32_t height, int32_t depth,
                         int32_t rowBytes) {
   auto* world = new (std::nothrow)
-      OpaquePort{nullptr, {{base, rowBytes, width, height, depth}, 0}, kBlack, kWhite};
+      OpaquePort{nullptr, {{base, rowBytes, width, height, depth}, 0}, kBlack, kWhite, worlds};
   if (world == nullptr) return nullptr;
   world->master = &world->map;
+  worlds = world;
   ++held.worlds;
   return world;
 }
@@ -151,10 +154,19 @@ GWorldPtr newGWorldOver(uint8_t* base, int32_t width, int32_t height, int32_t de
 void disposeGWorld(GWorldPtr world) {
   if (world == nullptr) return;
   if (currentPort == world) currentPort = &screen;
+  OpaquePort** link = &worlds;
+  while (*link != world) link = &(*link)->next;
+  *link = world->next;
   held.pixelLocks -= world->map.locks;
   --held.worlds;
   free(world->map.pixels.base);
   delete world;
+}
+
+bool isGWorld(const void* address) {
+  const OpaquePort* world = worlds;
+  while (world != nullptr && world != address) world = world->next;
+  return world != nullptr;
 }
 
 Pixels pixelsOf(GWorldPtr world) { return world->map.pixels; }

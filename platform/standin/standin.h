@@ -34,6 +34,8 @@ GWorldPtr newGWorldOver(uint8_t* base, int32_t width, int32_t height, int32_t de
                         int32_t rowBytes);
 /// If the world is the current port, the screen's port becomes current.
 void disposeGWorld(GWorldPtr world);
+/// True if a world that lives is at the address; any address is fine.
+bool isGWorld(const void* address);
 /// Of the screen's port: no base, no size.
 Pixels pixelsOf(GWorldPtr world);
 

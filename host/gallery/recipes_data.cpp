@@ -25,8 +25,13 @@ result = BinaryStringtoPictureQRZ(data))",
       {"",
        "BuildPictureWithGWorldHandleQRZ(handle as integer, ByPassOwernerShip as boolean) as "
        "picture",
-       "", "result = BuildPictureWithGWorldHandleQRZ(0, False) Is Nil",
-       "Handles of offscreen worlds come from other plug-ins; 0 stands for none and gives nil."},
+       "landscape",
+       R"(Dim shown As Picture = BuildPictureWithGWorldHandleQRZ(self.Graphics.Handle, False)
+If shown Is Nil Then shown = self  ' no offscreen world behind it
+shown.Graphics.ForeColor = &cFFC000
+shown.Graphics.FillRect(40, 40, 80, 80)
+result = self)",
+       "A second picture of the same offscreen world: what is drawn into it is drawn into both."},
   };
   return kRecipes;
 }

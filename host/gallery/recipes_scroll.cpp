@@ -11,7 +11,8 @@ std::span<const Recipe> scrollRecipes() {
       {"Picture",
        "ScrollVerticalQRZ(delta as integer, wrap as boolean, scrollmask as boolean) as boolean",
        "landscape", "Call self.ScrollVerticalQRZ(-100, False, False)\nresult = self",
-       "Up, without wrap: the uncovered strip is white."},
+       "Up, without wrap: the uncovered strip is white. Pictures kept as GWorlds scroll, others "
+       "stay."},
       {"Picture",
        "ScrollQRZ(deltaX as integer, deltaY as integer, wrap as boolean, scrollmask as boolean) "
        "as boolean",

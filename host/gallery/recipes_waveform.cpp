@@ -13,7 +13,7 @@ constexpr std::string_view kRenderSamples =
 std::span<const Recipe> waveformRecipes() {
   static constexpr Recipe kRecipes[] = {
       {"", kRenderSamples, "",
-       "result = RenderSamplesQRZ(MemoryBlock.OpenPeaks(\"sample:chord\", 640), 0, 1, 640, 240, 0)",
+       "result = RenderSamplesQRZ(MemoryBlock.OpenPeaks(\"sample:chord\", 640), 0, 4, 640, 240, 0)",
        "A chord that is plucked note by note and dies away; left channel above, right one below."},
       {"", kRenderSamples, "",
        "result = RenderSamplesQRZ(MemoryBlock.OpenSamples(\"sample:drums\"), 22050, 3, 640, 240, "

@@ -142,12 +142,19 @@ TEST_F(CliTest, ScriptErrorsShowTheLine) {
 }
 
 TEST_F(CliTest, GalleryShowsEveryRegisteredMember) {
-  const Outcome outcome = qrz("--check gallery " + path("page"));
-  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  for (const char* pictures : {"bitmap", "gworld"}) {
+    const Outcome outcome =
+        qrz("--check --pictures " + std::string(pictures) + " gallery " + path("page"));
+    ASSERT_EQ(outcome.status, 0) << outcome.output;
+  }
   std::ifstream file(path("page/index.html"));
   const std::string page{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   EXPECT_NE(page.find("self.InvertGrayQRZ(0, 0, 240, -1)"), std::string::npos);
-  EXPECT_NE(page.find("PictureLut3DQRZ.Run"), std::string::npos);
+  for (const char* name : {"PictureLut3DQRZ.Run", "PictureSepiaQRZ.FactorBlue", "FindPicture",
+                           "BuildPictureWithGWorldHandleQRZ", "PaintDesktopQRZ"}) {
+    EXPECT_NE(page.find("<h3>" + std::string(name) + "</h3>"), std::string::npos) << name;
+  }
+  EXPECT_EQ(page.find(">Nil<"), std::string::npos);  // every recipe has something to show
   EXPECT_EQ(std::distance(fs::directory_iterator(path("page")), fs::directory_iterator()), 1);
 }
 

@@ -1,6 +1,5 @@
 #include "host/core/memory_block_class.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -97,8 +96,7 @@ Member textAt(const char* declaration) {
       [](Object* self, Arguments arguments, const Value& value) {
         const size_t size = sizeArgument(arguments[1]);
         uint8_t* bytes = bytesAt(self, arguments[0], size);
-        const auto& text = std::get<std::string>(value);
-        memcpy(bytes, text.data(), std::min(size, text.size()));
+        std::get<std::string>(value).copy(reinterpret_cast<char*>(bytes), size);
       });
 }
 

@@ -25,11 +25,11 @@ Direction surface(const Ball& ball, Place place) {
   return {x, y, std::sqrt(std::max(0.0, 1 - x * x - y * y))};
 }
 
-Color ballColor(const Ball& ball, Place place) {
+Paint ballColor(const Ball& ball, Place place) {
   const Direction normal = surface(ball, place);
   const double facing = dot(normal, kLight);
   const double lit = smoothStep(-0.35, 1.05, facing);
-  Color color = ball.color * mix(0.30, 1.12, lit);
+  Paint color = ball.color * mix(0.30, 1.12, lit);
   const double bounce = smoothStep(0.2, 1, normal.y) * (1 - lit);
   color = mix(color, ball.color * 0.75 + grey(0.16), 0.75 * bounce);
   const double rim = std::pow(1 - normal.z, 3.0);
@@ -56,16 +56,16 @@ BallStage::BallStage(const Frame& frame, std::span<const Ball> balls)
       scale_(std::min(frame.halfWidth() / 1.5, frame.halfHeight())),
       pixel_(frame.pixel() / scale_) {}
 
-Color BallStage::tableAt(Place place) const {
+Paint BallStage::tableAt(Place place) const {
   const double wall = smoothStep(-0.05, -0.55, place.y);
   const double light = std::exp(-0.35 * ((place.x + 0.6) * (place.x + 0.6) + place.y * place.y));
-  const Color table = mix({0.74, 0.73, 0.72}, {0.97, 0.96, 0.94}, light);
-  Color color = mix(table, table * 0.86, wall);
+  const Paint table = mix({0.74, 0.73, 0.72}, {0.97, 0.96, 0.94}, light);
+  Paint color = mix(table, table * 0.86, wall);
   for (const Ball& ball : balls_) color = color * (1 - shadowAt(ball, place) * (1 - wall));
   return color;
 }
 
-Color BallStage::colorAt(Place place) const {
+Paint BallStage::colorAt(Place place) const {
   // From the nearest on: what it hides need not be shaded.
   size_t first = balls_.size();
   const auto distance = [&](const Ball& ball) {
@@ -73,7 +73,7 @@ Color BallStage::colorAt(Place place) const {
     return (toMiddle - ball.radius) / pixel_;
   };
   while (first > 0 && coverage(distance(balls_[first - 1])) < 1) --first;
-  Color color = first == 0 ? tableAt(place) : ballColor(balls_[first - 1], place);
+  Paint color = first == 0 ? tableAt(place) : ballColor(balls_[first - 1], place);
   for (const Ball& ball : balls_.subspan(first)) {
     const double share = coverage(distance(ball));
     if (share > 0) color = mix(color, ballColor(ball, place), share);

@@ -12,7 +12,7 @@ namespace host {
 struct Ball {
   Place middle;
   double radius = 0;
-  Color color;
+  Paint color;
 };
 
 /// Maps places of a picture to the stage, as large as fits, and shades it.
@@ -24,10 +24,10 @@ class BallStage {
   Place toStage(Place place) const { return {place.x / scale_, place.y / scale_}; }
 
   /// The colour at a place of the stage: the balls over the table with their shadows.
-  Color colorAt(Place place) const;
+  Paint colorAt(Place place) const;
 
  private:
-  Color tableAt(Place place) const;
+  Paint tableAt(Place place) const;
 
   std::span<const Ball> balls_;
   double scale_;  // a step on the stage, measured in the picture

@@ -15,7 +15,7 @@ uint32_t toByte(double part) {
 
 }  // namespace
 
-Color fromHue(double hue, double saturation, double lightness) {
+Paint fromHue(double hue, double saturation, double lightness) {
   const double chroma = saturation * (1 - std::abs(2 * lightness - 1));
   const auto part = [&](double shift) {
     const double turn = hue + shift - std::floor(hue + shift);
@@ -24,7 +24,7 @@ Color fromHue(double hue, double saturation, double lightness) {
   return {part(0), part(2.0 / 3), part(1.0 / 3)};
 }
 
-Color ramp(std::span<const Stop> stops, double place) {
+Paint ramp(std::span<const Stop> stops, double place) {
   size_t next = 0;
   while (next < stops.size() && stops[next].place <= place) ++next;
   if (next == 0) return stops.front().color;
@@ -34,7 +34,7 @@ Color ramp(std::span<const Stop> stops, double place) {
   return mix(from.color, to.color, (place - from.place) / (to.place - from.place));
 }
 
-Color lighten(Color color, Color light) {
+Paint lighten(Paint color, Paint light) {
   return {1 - (1 - color.red) * (1 - light.red), 1 - (1 - color.green) * (1 - light.green),
           1 - (1 - color.blue) * (1 - light.blue)};
 }
@@ -89,11 +89,11 @@ double fractal(double x, double y, uint32_t seed, int layers) {
   return weights > 0 ? sum / weights : 0;
 }
 
-uint32_t toWord(Color color) {
+uint32_t toWord(Paint color) {
   return toByte(color.red) << 16 | toByte(color.green) << 8 | toByte(color.blue);
 }
 
-uint32_t toWord(Color color, double alpha) { return toByte(alpha) << 24 | toWord(color); }
+uint32_t toWord(Paint color, double alpha) { return toByte(alpha) << 24 | toWord(color); }
 
 Image blankImage(int32_t width, int32_t height, bool hasAlpha) {
   if (width < 1 || height < 1) throw std::invalid_argument("a sample has at least 1 x 1 pixels");

@@ -11,40 +11,40 @@
 namespace host {
 
 /// A colour as shown on screens, each part from 0 to 1; between steps parts may leave this range.
-struct Color {
+struct Paint {
   double red = 0;
   double green = 0;
   double blue = 0;
 };
 
-inline Color operator+(Color a, Color b) {
+inline Paint operator+(Paint a, Paint b) {
   return {a.red + b.red, a.green + b.green, a.blue + b.blue};
 }
-inline Color operator*(Color a, double factor) {
+inline Paint operator*(Paint a, double factor) {
   return {a.red * factor, a.green * factor, a.blue * factor};
 }
 
 /// From a at share 0 to b at share 1.
 inline double mix(double a, double b, double share) { return a + (b - a) * share; }
-inline Color mix(Color a, Color b, double share) { return a * (1 - share) + b * share; }
+inline Paint mix(Paint a, Paint b, double share) { return a * (1 - share) + b * share; }
 
 /// Adds light so that no part ever passes 1.
-Color lighten(Color color, Color light);
+Paint lighten(Paint color, Paint light);
 
-inline Color grey(double lightness) { return {lightness, lightness, lightness}; }
+inline Paint grey(double lightness) { return {lightness, lightness, lightness}; }
 
 /// hue in turns (any number; 0 is red, 1/3 green), saturation and lightness from 0 to 1.
-Color fromHue(double hue, double saturation, double lightness);
+Paint fromHue(double hue, double saturation, double lightness);
 
 /// One colour of a ramp, and where it stands.
 struct Stop {
   double place = 0;
-  Color color;
+  Paint color;
 };
 
 /// The colour at a place of a ramp whose stops (at least one) are in rising order; the end
 /// colours go on beyond the ends.
-Color ramp(std::span<const Stop> stops, double place);
+Paint ramp(std::span<const Stop> stops, double place);
 
 double clampToUnit(double value);
 
@@ -71,10 +71,10 @@ double noise(double x, double y, uint32_t seed);
 double fractal(double x, double y, uint32_t seed, int layers);
 
 /// The pixel of an opaque colour, its top byte 0; parts outside 0..1 are clamped.
-uint32_t toWord(Color color);
+uint32_t toWord(Paint color);
 
 /// The pixel of a colour with alpha from 0 to 1 in its top byte.
-uint32_t toWord(Color color, double alpha);
+uint32_t toWord(Paint color, double alpha);
 
 /// An image of the size with all pixels 0. Throws std::invalid_argument if a side is below 1.
 Image blankImage(int32_t width, int32_t height, bool hasAlpha);

@@ -16,7 +16,7 @@ namespace {
 constexpr double kTurn = 2 * std::numbers::pi;
 
 struct Layer {
-  Color color;
+  Paint color;
   double alpha = 0;
 };
 
@@ -77,13 +77,13 @@ Layer petalAt(const Petal& petal, Place place, double softness) {
   const double inside = (outline - std::abs(aside)) * petal.width;
   const double edge = smoothStep(-softness, softness, inside);
   const double vein = 0.05 * std::cos(aside * 16) * (1 - along);
-  const Color color = fromHue(petal.hue, 0.85, 0.44 + 0.30 * along - 0.10 * std::abs(aside) + vein);
+  const Paint color = fromHue(petal.hue, 0.85, 0.44 + 0.30 * along - 0.10 * std::abs(aside) + vein);
   return {color, edge * petal.alpha * mix(1, 0.55, along * along)};
 }
 
 Layer heartAt(double distance) {
   const double seeds = 0.5 + 0.5 * std::cos(distance * 150);
-  const Color color =
+  const Paint color =
       mix({1.0, 0.80, 0.16}, {0.95, 0.52, 0.05}, distance / 0.17 * 0.8 + 0.2 * seeds);
   return {color, smoothStep(0.175, 0.145, distance)};
 }

@@ -10,16 +10,16 @@ namespace host {
 
 namespace {
 
-constexpr Color kRed = {0.90, 0.08, 0.12};
-constexpr Color kOrange = {0.98, 0.45, 0.03};
-constexpr Color kYellow = {1.00, 0.80, 0.05};
-constexpr Color kLime = {0.52, 0.80, 0.08};
-constexpr Color kGreen = {0.03, 0.60, 0.22};
-constexpr Color kTeal = {0.00, 0.62, 0.60};
-constexpr Color kSky = {0.10, 0.60, 0.95};
-constexpr Color kBlue = {0.08, 0.20, 0.85};
-constexpr Color kViolet = {0.45, 0.12, 0.80};
-constexpr Color kPink = {0.95, 0.18, 0.55};
+constexpr Paint kRed = {0.90, 0.08, 0.12};
+constexpr Paint kOrange = {0.98, 0.45, 0.03};
+constexpr Paint kYellow = {1.00, 0.80, 0.05};
+constexpr Paint kLime = {0.52, 0.80, 0.08};
+constexpr Paint kGreen = {0.03, 0.60, 0.22};
+constexpr Paint kTeal = {0.00, 0.62, 0.60};
+constexpr Paint kSky = {0.10, 0.60, 0.95};
+constexpr Paint kBlue = {0.08, 0.20, 0.85};
+constexpr Paint kViolet = {0.45, 0.12, 0.80};
+constexpr Paint kPink = {0.95, 0.18, 0.55};
 
 constexpr std::array<Ball, 14> kBalls = {{
     {{-1.02, -0.28}, 0.42, kBlue},

@@ -15,24 +15,24 @@ namespace host {
 
 namespace {
 
-constexpr Color kInk = {0.05, 0.06, 0.08};
-constexpr Color kPaper = {0.97, 0.96, 0.93};
-constexpr Color kRed = {0.86, 0.16, 0.14};
-constexpr Color kBlue = {0.07, 0.33, 0.72};
-constexpr Color kGold = {0.98, 0.73, 0.10};
+constexpr Paint kInk = {0.05, 0.06, 0.08};
+constexpr Paint kPaper = {0.97, 0.96, 0.93};
+constexpr Paint kRed = {0.86, 0.16, 0.14};
+constexpr Paint kBlue = {0.07, 0.33, 0.72};
+constexpr Paint kGold = {0.98, 0.73, 0.10};
 
 bool isOdd(double number) { return std::fmod(std::abs(std::floor(number)), 2.0) >= 1; }
 
 // Each tile maps a place from -1 to 1 in both directions to a colour.
 
-Color checker(Place place) {
+Paint checker(Place place) {
   const bool coarse = place.x + place.y < 0;
   const double squares = coarse ? 4 : 12;
   const bool dark = isOdd((place.x + 1) * squares / 2) != isOdd((place.y + 1) * squares / 2);
   return dark ? kInk : kPaper;
 }
 
-Color starburst(Place place) {
+Paint starburst(Place place) {
   constexpr double kRays = 36;
   const double distance = length(place.x, place.y);
   if (distance < 0.09) return kRed;
@@ -42,7 +42,7 @@ Color starburst(Place place) {
 }
 
 /// Upright stripes above, slanted ones below; both grow finer to the right.
-Color stripes(Place place) {
+Paint stripes(Place place) {
   const double across = (place.x + 1) / 2;
   const double phase = 5 * across + 16 * across * across;
   if (place.y < 0) return isOdd(phase * 2) ? kInk : kPaper;
@@ -50,7 +50,7 @@ Color stripes(Place place) {
   return isOdd(slanted * 2) ? kBlue : kPaper;
 }
 
-Color rings(Place place) {
+Paint rings(Place place) {
   const double distance = length(place.x, place.y);
   if (distance > 0.94) return kGold;
   return isOdd(distance * distance * 19) ? kPaper : kInk;
@@ -81,9 +81,9 @@ bool isInked(std::string_view line, int column, int row) {
   return glyph != kGlyphs.end() && (glyph->rows[static_cast<size_t>(row)] >> (4 - column % 6) & 1);
 }
 
-Color letters(Place place) {
+Paint letters(Place place) {
   constexpr std::array<std::string_view, 3> kLines = {"SHARP", "EDGES", "SHAPE"};
-  constexpr std::array<Color, 3> kColors = {kInk, kRed, kInk};
+  constexpr std::array<Paint, 3> kColors = {kInk, kRed, kInk};
   const double column = std::floor((place.x + 0.93) / 1.86 * 29);
   const double row = std::floor((place.y + 0.86) / 1.72 * 25);
   if (column < 0 || row < 0) return kPaper;
@@ -94,12 +94,12 @@ Color letters(Place place) {
 }
 
 /// Triangles and squares inside one another, each turned against the last.
-Color corners(Place place) {
-  constexpr std::array<Color, 6> kColors = {kInk, kGold, kBlue, kPaper, kRed, kInk};
-  Color color = kPaper;
+Paint corners(Place place) {
+  constexpr std::array<Paint, 6> kColors = {kInk, kGold, kBlue, kPaper, kRed, kInk};
+  Paint color = kPaper;
   double reach = 0.94;
   double turn = 0;
-  for (const Color& next : kColors) {
+  for (const Paint& next : kColors) {
     const double x = place.x * std::cos(turn) - place.y * std::sin(turn);
     const double y = place.x * std::sin(turn) + place.y * std::cos(turn);
     if (std::max(std::abs(x), std::abs(y)) > reach) break;
@@ -110,7 +110,7 @@ Color corners(Place place) {
   return color;
 }
 
-using Tile = Color (*)(Place);
+using Tile = Paint (*)(Place);
 constexpr std::array<Tile, 6> kTiles = {&checker, &starburst, &stripes, &rings, &letters, &corners};
 
 /// The tiles side by side on dark ground, in rows of three or, in tall pictures, of two.
@@ -123,7 +123,7 @@ class Board {
         halfHeight_(frame.halfHeight()),
         tile_(std::min(halfWidth_ / columns_, halfHeight_ / rows_)) {}
 
-  Color colorAt(Place place) const {
+  Paint colorAt(Place place) const {
     const double x = place.x / tile_ + columns_;
     const double y = place.y / tile_ + rows_;
     const double column = std::floor(x / 2);
@@ -145,10 +145,10 @@ class Board {
 };
 
 /// The mean of four points in a pixel, so that slanted edges are not stepped.
-Color smoothedAt(const Board& board, Place place, double pixel) {
+Paint smoothedAt(const Board& board, Place place, double pixel) {
   constexpr std::array<Place, 4> kPoints = {
       {{-0.375, -0.125}, {0.125, -0.375}, {0.375, 0.125}, {-0.125, 0.375}}};
-  Color sum;
+  Paint sum;
   for (const Place& point : kPoints) {
     sum = sum + board.colorAt({place.x + point.x * pixel, place.y + point.y * pixel});
   }

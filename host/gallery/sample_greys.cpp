@@ -29,21 +29,21 @@ constexpr double kStepsBottom = -0.62;
 constexpr double kRampTop = 0.66;
 
 /// Eleven even steps from black to white.
-Color stepsAt(double across) {
+Paint stepsAt(double across) {
   constexpr double kSteps = 11;
   const double step = std::min(std::floor(across * kSteps), kSteps - 1);
   return grey(step / (kSteps - 1));
 }
 
 /// The ball table without its warm tint: grey has to be grey here.
-Color neutral(Color color) {
+Paint neutral(Paint color) {
   const double most = std::max({color.red, color.green, color.blue});
   const double least = std::min({color.red, color.green, color.blue});
   return most - least < 0.06 ? grey(color.green) : color;
 }
 
 /// Above an even ramp in grey lies one in which every second bar is coloured.
-Color rampsAt(double across, double down) {
+Paint rampsAt(double across, double down) {
   constexpr double kBars = 12;
   const bool coloured = down < 0.5 && std::fmod(across * kBars, 2.0) >= 1;
   const double bar = std::floor(across * kBars);

@@ -18,7 +18,7 @@ namespace {
 constexpr double kShore = 0.635;
 constexpr double kSunV = 0.425;
 constexpr double kSunRadius = 0.032;
-constexpr Color kSunlight = {1.0, 0.78, 0.46};
+constexpr Paint kSunlight = {1.0, 0.78, 0.46};
 
 /// One range of mountains, from far to near.
 struct Range {
@@ -26,7 +26,7 @@ struct Range {
   double height;     // of the highest peaks above them
   double frequency;  // peaks for each picture height
   uint32_t seed;
-  Color color;
+  Paint color;
   double haze;   // 0 to 1, at its foot
   double trees;  // height of the trees on its ridge
 };
@@ -126,13 +126,13 @@ class Landscape {
 
   double sunDistance(double u, double v) const { return length(u - sunU_, v - kSunV); }
 
-  Color skyAt(double u, double v) const {
+  Paint skyAt(double u, double v) const {
     const double distance = sunDistance(u, v);
-    Color color = ramp(kSky, v);
+    Paint color = ramp(kSky, v);
     const double streaks = fractal(u * 1.9 + v * 1.5, v * 9.0 - u * 0.9, 12, 6);
     const double cloud = smoothStep(0.46, 0.70, streaks) * smoothStep(0.60, 0.34, v) * 0.85;
     const double lit = smoothStep(0.75, 0.05, distance);
-    const Color cloudColor = mix({0.50, 0.48, 0.61}, {1.0, 0.70, 0.52}, 0.22 + 0.78 * lit);
+    const Paint cloudColor = mix({0.50, 0.48, 0.61}, {1.0, 0.70, 0.52}, 0.22 + 0.78 * lit);
     color = mix(color, cloudColor, cloud);
     const double glow = 0.66 * std::exp(-distance * 10) + 0.34 * std::exp(-distance * 3);
     color = lighten(color, kSunlight * glow);
@@ -149,22 +149,22 @@ class Landscape {
     return 0.6 * (here - 0.5) + 0.25 * (here - towardsSun);
   }
 
-  Color rangeColor(size_t index, double u, double v, const Ridges& ridges) const {
+  Paint rangeColor(size_t index, double u, double v, const Ridges& ridges) const {
     const Range& range = kRanges[index];
     const double glow = std::exp(-sunDistance(u, v) * 3.2);
-    const Color hazeColor = mix({0.80, 0.70, 0.70}, {1.0, 0.82, 0.60}, clampToUnit(1.6 * glow));
+    const Paint hazeColor = mix({0.80, 0.70, 0.70}, {1.0, 0.82, 0.60}, clampToUnit(1.6 * glow));
     const double depth = clampToUnit((v - ridges[index].bare) / range.height);
-    const Color rock = range.color * (1 + reliefAt(range, u, v));
+    const Paint rock = range.color * (1 + reliefAt(range, u, v));
     const double haze = range.haze * (0.12 + 0.88 * depth * depth) + 0.30 * glow * range.haze;
     return mix(rock, hazeColor, clampToUnit(haze));
   }
 
-  Color sceneAt(int32_t x, double u, double v) const {
+  Paint sceneAt(int32_t x, double u, double v) const {
     const Ridges& ridges = ridges_[static_cast<size_t>(x)];
     size_t first = kRanges.size();
     while (first > 0 && coverage((ridges[first - 1].top - v) * size_) < 1) --first;
     // Only what is not hidden by a nearer range is worth its price.
-    Color color = first == 0 ? skyAt(u, v) : rangeColor(first - 1, u, v, ridges);
+    Paint color = first == 0 ? skyAt(u, v) : rangeColor(first - 1, u, v, ridges);
     for (size_t i = first; i < kRanges.size(); ++i) {
       const double share = coverage((ridges[i].top - v) * size_);
       if (share > 0) color = mix(color, rangeColor(i, u, v, ridges), share);
@@ -172,23 +172,23 @@ class Landscape {
     return color;
   }
 
-  Color mirrored(double x, double y) const {
+  Paint mirrored(double x, double y) const {
     const auto column = static_cast<int32_t>(std::clamp(x, 0.0, image_.width - 1.0));
     const auto row = static_cast<int32_t>(std::clamp<double>(y, 0.0, shoreRow_));
     const uint32_t word = scene_[pixelIndex(image_, column, row)];
-    return Color{double(word >> 16 & 255), double(word >> 8 & 255), double(word & 255)} *
+    return Paint{double(word >> 16 & 255), double(word >> 8 & 255), double(word & 255)} *
            (1 / 255.0);
   }
 
   /// Ripples look finer and flatter with distance, so they are laid out in perspective.
-  Color waterAt(int32_t x, double u, double v) const {
+  Paint waterAt(int32_t x, double u, double v) const {
     const double depth = v - kShore;
     const double far = 1 / (depth + 0.035);
     const double ripple = fractal((u - sunU_) * far * 2.1, far * 7.0, 77, 5) - 0.5;
     const double sway = fractal((u - sunU_) * far * 6.0, far * 16.0, 91, 3) - 0.5;
     const double reach = std::min(depth * 0.55, 0.07);
     const double row = (kShore - depth * 1.02 + ripple * reach) * size_;
-    Color color = mirrored(x + sway * reach * 0.4 * size_, row);
+    Paint color = mirrored(x + sway * reach * 0.4 * size_, row);
     const double slope = clampToUnit(0.5 + 1.5 * ripple);
     color = mix(color * 0.90, {0.10, 0.19, 0.30}, 0.10 + 0.36 * slope * smoothStep(0, 0.4, depth));
     const double path = std::exp(-std::abs(u - sunU_) / (0.02 + 0.22 * depth));
@@ -202,7 +202,7 @@ class Landscape {
     return (sum / 3069 - 0.5) * 0.055;
   }
 
-  Color developed(Color color, int32_t x, int32_t y) const {
+  Paint developed(Paint color, int32_t x, int32_t y) const {
     const double fromMiddleX = (x + 0.5) / image_.width - 0.5;
     const double fromMiddleY = (y + 0.5) / size_ - 0.5;
     const double corner = fromMiddleX * fromMiddleX + fromMiddleY * fromMiddleY;
@@ -215,7 +215,7 @@ class Landscape {
     for (int32_t x = 0; x < image_.width; ++x) {
       const double u = (x + 0.5) / size_;
       const bool water = y > shoreRow_;
-      const Color color = water ? waterAt(x, u, v) : mirrored(x, y);
+      const Paint color = water ? waterAt(x, u, v) : mirrored(x, y);
       image_.pixels[pixelIndex(image_, x, y)] = toWord(developed(color, x, y));
     }
   }

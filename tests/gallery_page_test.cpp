@@ -78,17 +78,20 @@ TEST(GalleryPage, HoldsEverythingItShows) {
   GalleryEntry entry = entryNamed("InvertQRZ");
   entry.before = {1, 1, false, {0x000000}};
   entry.after = {1, 1, false, {0xFFFFFF}};
-  const std::string page = galleryPage({{"Colour", {entry, entry}}});
+  const std::string page = galleryPage({{"Colour", {entry, entry}}, {"Again", {entry}}});
   EXPECT_EQ(page.find("http"), std::string::npos);
   EXPECT_EQ(page.find("url("), std::string::npos);
   EXPECT_EQ(page.find("@import"), std::string::npos);
   EXPECT_EQ(page.find("<script"), std::string::npos);
-  EXPECT_EQ(countOf(page, "src="), 4U);
-  EXPECT_EQ(countOf(page, " src=\"data:image/png;base64,iVBORw0KGgo"), 4U);
-  EXPECT_EQ(countOf(page, "alt=\"Before InvertQRZ\" width=\"1\" height=\"1\""), 2U);
-  EXPECT_EQ(countOf(page, "alt=\"After InvertQRZ\""), 2U);
+  EXPECT_EQ(countOf(page, "src="), 6U);
+  EXPECT_EQ(countOf(page, " src=\"data:image/png;base64,iVBORw0KGgo"), 6U);
+  EXPECT_EQ(countOf(page, "alt=\"Before InvertQRZ\" width=\"1\" height=\"1\""), 3U);
+  EXPECT_EQ(countOf(page, "alt=\"After InvertQRZ\""), 3U);
   EXPECT_EQ(countOf(page, "id=\"filter-1-2\""), 1U);
-  EXPECT_EQ(countOf(page, "href=\"#filter-1-2\""), 1U);
+  // The second of two overloads needs no link of its own.
+  EXPECT_EQ(countOf(page, "href=\"#filter-1-1\""), 1U);
+  EXPECT_EQ(countOf(page, "href=\"#filter-1-2\""), 0U);
+  EXPECT_EQ(countOf(page, "href=\"#filter-2-1\""), 1U);
 }
 
 TEST(GalleryPage, EmbedsEachPictureAsItIs) {

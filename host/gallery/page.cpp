@@ -86,6 +86,7 @@ class Page {
     html_ += "</style>\n</head>\n<body>\n";
   }
 
+  /// One link for entries of the same name that follow each other.
   void writeHeader(const std::vector<GalleryGroup>& groups) {
     html_ +=
         "<header>\n<h1>Picture filter gallery</h1>\n"
@@ -94,6 +95,7 @@ class Page {
     for (size_t i = 0; i < groups.size(); ++i) {
       html_ += "<h2>" + escaped(groups[i].title) + "</h2>\n<ul>\n";
       for (size_t k = 0; k < groups[i].entries.size(); ++k) {
+        if (k > 0 && groups[i].entries[k].member == groups[i].entries[k - 1].member) continue;
         html_ += "<li><a href=\"#" + anchor(i, k) + "\">" + escaped(groups[i].entries[k].member) +
                  "</a></li>\n";
       }

@@ -7,46 +7,15 @@
 
 #include "platform/standin/standin.h"
 #include "plugin/binding/description.h"
+#include "tests/support/calls.h"
+#include "tests/support/checks.h"
 #include "tests/support/pict.h"
 #include "tests/support/plugin_test.h"
 
 namespace host {
 namespace {
 
-using Calls = std::vector<std::string>;
-
 constexpr const char* kInvert = "InvertQRZ as picture";
-
-const Calls openGWorld = {
-    "lockPictureDescription", "GetGWorldPixMap", "GetPixDepth",   "LockPixels",
-    "GetPixBaseAddr",         "REALLockObject",  "GetPixRowBytes"};
-const Calls closeGWorld = {"UnlockPixels", "unlockPictureDescription", "REALUnlockObject"};
-const Calls createGWorld = {"newPicture", "lockPictureDescription", "GetGWorldPixMap",
-                            "LockPixels", "GetPixRowBytes",         "GetPixBaseAddr"};
-const Calls finishGWorld = {"unlockPictureDescription", "UnlockPixels", "REALPictureClearCache"};
-const Calls createContext = {"newPicture",
-                             "lockPictureDescription",
-                             "CGBitmapContextGetData",
-                             "CGBitmapContextGetBytesPerRow",
-                             "CGBitmapContextGetBitsPerComponent",
-                             "CGBitmapContextGetBitsPerPixel"};
-const Calls finishOther = {"unlockPictureDescription", "REALPictureClearCache"};
-const Calls refuse = {"lockPictureDescription", "unlockPictureDescription"};
-const Calls openBitmap = {"lockPictureDescription", "REALLockObject"};
-const Calls closeBitmap = {"unlockPictureDescription", "REALUnlockObject"};
-const Calls createBitmap = {"newPicture", "lockPictureDescription"};
-const Calls refuseDepth = {"lockPictureDescription", "GetGWorldPixMap", "GetPixDepth",
-                           "unlockPictureDescription"};
-const Calls makeCopy = {
-    "REALGetPropValueInt",  "REALGetPropValueInt", "newPicture",      "pluginPictureGraphicsGetter",
-    "REALLoadObjectMethod", "DrawPicture",         "REALUnlockObject"};
-const Calls dropCopy = {"REALUnlockObject"};
-
-Calls joined(std::initializer_list<Calls> parts) {
-  Calls all;
-  for (const Calls& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 class AccessorTest : public PluginTest {
  protected:
@@ -67,10 +36,6 @@ class AccessorTest : public PluginTest {
     runtime().replacedServices["newPicture"] = reinterpret_cast<void*>(function);
   }
 };
-
-qrz::HostBitmap& bitmapOf(const Ref<Picture>& picture) {
-  return *static_cast<qrz::HostBitmap*>(picture->store().data());
-}
 
 // --- Order of calls ----------------------------------------------------------
 
@@ -319,48 +284,22 @@ TEST_F(AccessorTest, NewPicturesOfUnknownKindAreReleased) {
 
 // --- Every call fails once ---------------------------------------------------
 
-int32_t callsToGo = 0;
-bool failsForGood = false;
-
-/// Fails the call at which the count runs out, and all later ones if wanted. A
-/// service that is there is found, or what was taken could not be given back.
-bool failInTurn(const char* call) {
-  if (std::string_view(call).starts_with("resolve ")) return true;
-  --callsToGo;
-  return callsToGo > 0 || (callsToGo < 0 && !failsForGood);
-}
-
 class FailureTest : public RepresentationTest {};
 QRZ_ALL_REPRESENTATIONS(FailureTest);
 
 TEST_P(FailureTest, LeavesNothingLockedAndNoReference) {
   const auto source = randomPicture(7, 5);
-  const auto before = source->pixels();
   const Class* lutClass = runtime().registry.findClass("PictureLut3DQRZ");
   const Value made = lutClass->constructors.front().call(nullptr, {});
   Object* lut = objectOf(made);
   assign("PictureLut3DQRZ", "SourcePicture as Picture", lut, {}, objectValue(source));
-  for (const bool forGood : {true, false}) {
-    bool reached = true;
-    for (int32_t k = 1; reached; ++k) {
-      ASSERT_LT(k, 500) << "the call never completes";
-      callsToGo = k;
-      failsForGood = forGood;
-      runtime().setCallHook(failInTurn);
-      const auto result = filter(kInvert, source);
-      const Value ran = call("PictureLut3DQRZ", "Run as boolean", lut);
-      runtime().setCallHook(nullptr);
-      reached = callsToGo <= 0;
-      EXPECT_EQ(source->references(), 2) << "call " << k;
-      EXPECT_EQ(source->locks(), 0) << "call " << k;
-      EXPECT_TRUE(samePixels(*source, before)) << "call " << k;
-      EXPECT_EQ(standin::counts().pixelLocks, 0) << "call " << k;
-      // The source, the instance, its result and the result above; no more.
-      const bool hasResult = std::get<bool>(ran);
-      EXPECT_EQ(Object::living().size(), 2U + (result ? 1 : 0) + (hasResult ? 1 : 0));
-    }
-    EXPECT_TRUE(filter(kInvert, source)) << "it works the next time";
-  }
+  expectNothingLeftByFailures([&] {
+    const Unchanged unchanged(source);
+    filter(kInvert, source);
+    call("PictureLut3DQRZ", "Run as boolean", lut);
+    assign("PictureLut3DQRZ", "DestinationPicture as Picture", lut, {}, Nil{});
+  });
+  EXPECT_TRUE(filter(kInvert, source)) << "it works the next time";
 }
 
 }  // namespace

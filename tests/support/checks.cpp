@@ -38,32 +38,33 @@ Unchanged::~Unchanged() {
 namespace {
 
 int callsUntilFailure = 0;
+bool failsForGood = false;
 
-bool failOnce(const char* call) {
-  return std::string_view(call).starts_with("resolve ") || --callsUntilFailure != 0;
-}
-
-/// False if the work made fewer calls.
-bool workWithFailure(const std::function<void()>& work, int call) {
-  callsUntilFailure = call;
-  runtime().setCallHook(failOnce);
-  work();
-  runtime().setCallHook(nullptr);
-  return callsUntilFailure <= 0;
+/// A service that is there is found, or what was taken could not be given back.
+bool failInTurn(const char* call) {
+  if (std::string_view(call).starts_with("resolve ")) return true;
+  --callsUntilFailure;
+  return callsUntilFailure > 0 || (callsUntilFailure < 0 && !failsForGood);
 }
 
 }  // namespace
 
 void expectNothingLeftByFailures(const std::function<void()>& work) {
   const auto before = runtime().findLeaks();
-  work();
-  EXPECT_EQ(runtime().findLeaks(), before);
-  int call = 1;
-  while (workWithFailure(work, call)) {
-    EXPECT_EQ(runtime().findLeaks(), before) << "when call " << call << " failed";
-    ++call;
+  for (const bool forGood : {true, false}) {
+    failsForGood = forGood;
+    bool failed = true;
+    for (int call = 1; failed; ++call) {
+      const testing::ScopedTrace trace(__FILE__, __LINE__, "call " + std::to_string(call));
+      callsUntilFailure = call;
+      runtime().setCallHook(failInTurn);
+      work();
+      runtime().setCallHook(nullptr);
+      failed = callsUntilFailure <= 0;
+      EXPECT_TRUE(failed || call > 1) << "the work makes no calls";
+      EXPECT_EQ(runtime().findLeaks(), before);
+    }
   }
-  EXPECT_GT(call, 1) << "the work makes no calls";
 }
 
 namespace {

@@ -33,8 +33,10 @@ class Unchanged {
   int32_t references_;
 };
 
-/// Does the work once as it is, then once for every call to the host that it
-/// makes, with that call failing. Nothing may be left each time.
+/// Does the work again and again, until no call to the host or the platform
+/// fails: with the first call and all later ones failing, then from the second
+/// on, and so on; and all over again with that one call failing and none after
+/// it. Nothing may be left each time.
 void expectNothingLeftByFailures(const std::function<void()>& work);
 
 /// Records from its start on which pictures the plug-in locks ("+name") and

@@ -64,6 +64,11 @@ Value PluginTest::call(std::string_view className, std::string_view declaration,
   return member(className, declaration).call(self, arguments);
 }
 
+Value PluginTest::callByRef(std::string_view className, std::string_view declaration, Object* self,
+                            std::vector<Value>& arguments) {
+  return member(className, declaration).call(self, arguments);
+}
+
 Ref<Picture> PluginTest::filter(std::string_view declaration, const Ref<Picture>& self,
                                 std::vector<Value> arguments) {
   const Value result = call("Picture", declaration, self.get(), std::move(arguments));
@@ -89,6 +94,17 @@ Ref<Picture> RepresentationTest::randomPicture(int32_t width, int32_t height) {
   std::vector<uint32_t> words(static_cast<size_t>(width) * static_cast<size_t>(height));
   for (uint32_t& word : words) word = randomPixel(random);
   picture->setPixels(words);
+  return picture;
+}
+
+Ref<Picture> RepresentationTest::drawnPicture(
+    int32_t width, int32_t height, const std::function<uint32_t(int32_t, int32_t)>& word) {
+  auto picture = emptyPicture(width, height);
+  std::vector<uint32_t> row(static_cast<size_t>(width));
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t x = 0; x < width; ++x) row[static_cast<size_t>(x)] = word(x, y);
+    picture->store().write({0, y, width}, row.data());
+  }
   return picture;
 }
 
@@ -118,6 +134,10 @@ testing::AssertionResult samePixels(const Picture& picture, const std::vector<ui
            << std::hex << actual[i] << " instead of " << expected[i];
   }
   return testing::AssertionSuccess();
+}
+
+qrz::HostBitmap& bitmapOf(const Ref<Picture>& picture) {
+  return *static_cast<qrz::HostBitmap*>(picture->store().data());
 }
 
 std::vector<std::string> callsDuring(const std::function<void()>& work) {

@@ -51,10 +51,7 @@ std::string pluginPath();
 /// Loads the plug-in in SetUp and checks in TearDown that nothing is left: no
 /// object, no reference, no lock, no misuse of a handle.
 class PluginTest : public testing::Test {
- protected:
-  void SetUp() override;
-  void TearDown() override;
-
+ public:
   /// Calls a registered member by its exact declaration, on an object of the
   /// class (which may be nil); an empty class name means a global method.
   static Value call(std::string_view className, std::string_view declaration, Object* self,
@@ -64,7 +61,14 @@ class PluginTest : public testing::Test {
                              std::vector<Value> arguments = {});
   static void assign(std::string_view className, std::string_view declaration, Object* self,
                      std::vector<Value> arguments, const Value& value);
+  /// The same, with the ByRef arguments written back.
+  static Value callByRef(std::string_view className, std::string_view declaration, Object* self,
+                         std::vector<Value>& arguments);
   static const Member& member(std::string_view className, std::string_view declaration);
+
+ protected:
+  void SetUp() override;
+  void TearDown() override;
 };
 
 /// PluginTest for every representation.
@@ -75,6 +79,9 @@ class RepresentationTest : public PluginTest, public testing::WithParamInterface
   /// quarter of the pixels are grey, black or white.
   Ref<Picture> randomPicture(int32_t width, int32_t height);
   Ref<Picture> emptyPicture(int32_t width, int32_t height);
+  /// A source whose words 0xPPRRGGBB are drawn pixel by pixel.
+  Ref<Picture> drawnPicture(int32_t width, int32_t height,
+                            const std::function<uint32_t(int32_t x, int32_t y)>& word);
 
   std::mt19937 random{20101};
 };
@@ -92,6 +99,9 @@ std::vector<uint32_t> expectedPixels(const Picture& source,
 
 /// Compares whole pictures, pads included, and names the first difference.
 testing::AssertionResult samePixels(const Picture& picture, const std::vector<uint32_t>& expected);
+
+/// The bitmap record of a picture that is kept in one.
+qrz::HostBitmap& bitmapOf(const Ref<Picture>& picture);
 
 /// The names of all host services and platform calls that `work` makes, each
 /// once per call, look-ups by name left out.

@@ -8,6 +8,98 @@
 namespace host {
 namespace {
 
+// --- What is registered ------------------------------------------------------
+
+constexpr uint32_t kMarked = 0x40000;
+
+struct ExpectedMethod {
+  const char* declaration;
+  uint32_t flags;
+  bool isAssignable = false;
+};
+
+/// A property whose field the host reaches itself, or one with functions.
+struct ExpectedProperty {
+  const char* name;
+  const char* type;
+  int32_t offset = kFunctions;
+  static constexpr int32_t kFunctions = -1;
+};
+
+// clang-format off
+const std::vector<ExpectedMethod> graphicsMethods = {
+    {"StretchDIBitsQRZ(XDest as integer, YDest as integer, DestWidth as integer, DestHeight as integer, XSource as integer, YSource as integer, SourceWidth as integer, SourceHeight as integer, Bits as memoryblock, ImageWidth as integer, ImageHeight as integer, ImageBitCount as integer) as boolean", 0},
+    {"PaintDesktopQRZ", 0},
+};
+
+const std::vector<ExpectedMethod> globalMethods = {
+    {"BuildPictureWithPicHandleDataQRZ(data as string) as picture", 0},
+    {"BuildPictureWithGWorldHandleQRZ(handle as integer, ByPassOwernerShip as boolean) as picture", 0},
+    {"BinaryStringtoPictureQRZ(data as String) as Picture", kMarked},
+    {"PicturetoBinaryStringQRZ(p as picture) as string", kMarked},
+    {"CombinePicturesQRZ(red as picture, blue as picture, green as picture) as picture", kMarked},
+    {"MergePictureQRZ(source1 as picture, source2 as picture) as picture", kMarked},
+    {"TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture", kMarked},
+    {"RenderSamplesQRZ(Samples as memoryblock, SampleCount as integer, Smooth as integer, Width as integer, Height as integer, outlinewidth as integer, BackColor as color=&c88B5C4, ForeColor as color=&c274C5A, OutLineColor as color=&c203F4E) as Picture", kMarked},
+};
+
+const std::vector<ExpectedMethod> pictureMethods = {
+    {"ScrollVerticalQRZ(delta as integer, wrap as boolean, scrollmask as boolean) as boolean", 0},
+    {"ScrollHorizontalQRZ(delta as integer, wrap as boolean, scrollmask as boolean) as boolean", 0},
+    {"ScrollQRZ(deltaX as integer, deltaY as integer, wrap as boolean, scrollmask as boolean) as boolean", 0},
+    {"HasMaskQRZ as boolean", kMarked},
+    {"ChangeBrightnessAbsoluteQRZ(r as double, g as double, b as double) as picture", kMarked},
+    {"ChangeBrightnessLinearQRZ(r as double, g as double, b as double) as picture", kMarked},
+    {"ChangeBrightnessAbsoluteQRZ(x as double) as picture", kMarked},
+    {"ChangeBrightnessLinearQRZ(x as double) as picture", kMarked},
+    {"ChangeCustomQRZ(a as double, b as double) as picture", kMarked},
+    {"ChangeContrastQRZ(x as double) as picture", kMarked},
+    {"ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture", kMarked},
+    {"MakeHBITMAPQRZ as integer", 0},
+    {"InvertQRZ(left as integer,top as integer,width as integer,height as integer) as picture", kMarked},
+    {"InvertQRZ as picture", kMarked},
+    {"InvertGrayQRZ(left as integer,top as integer,width as integer,height as integer) as picture", kMarked},
+    {"InvertGrayQRZ as picture", kMarked},
+    {"ExtractColorRectangleMaskQRZ(left as integer,top as integer,width as integer,height as integer) as picture", kMarked},
+    {"ExtractColorRectangleMaskQRZ as picture", kMarked},
+    {"EmbeddedMaskQRZ(swap as boolean) as picture", kMarked, true},
+    {"PicHandleQRZ as picture", 0},
+    {"PicHandleDataQRZ as string", 0},
+    {"CountColorQRZ(col as color) as integer", kMarked},
+    {"CountColorsQRZ(byref red as memoryblock, byref blue as memoryblock, byref green as memoryblock, byref count as integer)", 0},
+    {"TransformColorsQRZ(red as memoryblock, blue as memoryblock, green as memoryblock) as picture", 0},
+    {"ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture", 0},
+    {"ExtractColorQRZ(SearchColor as color, ReplaceWithColor as color, BackGroundColor as color) as picture", 0},
+    {"ChangeSaturationQRZ(Amount as integer) as picture", kMarked},
+    {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", kMarked},
+    {"ReplaceGreenChannelQRZ(GreenChannel as picture) as picture", kMarked},
+    {"ReplaceBlueChannelQRZ(BlueChannel as picture) as picture", kMarked},
+    {"FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean", kMarked},
+    {"isWhiteQRZ as boolean", kMarked},
+    {"isBlackQRZ as boolean", kMarked},
+    {"isWhiteQRZ(left as integer,top as integer,width as integer,height as integer) as boolean", kMarked},
+    {"isBlackQRZ(left as integer,top as integer,width as integer,height as integer) as boolean", kMarked},
+};
+
+const std::vector<ExpectedMethod> lutMethods = {
+    {"Close", kMarked},
+    {"Run as boolean", kMarked},
+    {"Table(r as integer, g as integer, b as integer, x as integer) as double", kMarked, true},
+};
+const std::vector<ExpectedMethod> sepiaMethods = {{"Close", 0}, {"Run as boolean", 0}};
+
+const std::vector<ExpectedProperty> lutProperties = {
+    {"SourcePicture", "Picture", 0}, {"DestinationPicture", "Picture", 4},
+    {"MaxX", "Integer", 16}, {"MinX", "Integer", 8}, {"MaxY", "Integer", 20}, {"MinY", "Integer", 12},
+};
+const std::vector<ExpectedProperty> sepiaProperties = {
+    {"SourcePicture", "Picture", 0}, {"DestinationPicture", "Picture", 4},
+    {"MaxX", "Integer", 16}, {"MinX", "Integer", 8}, {"MaxY", "Integer", 20}, {"MinY", "Integer", 12},
+    {"SepiaRed", "Integer", 24}, {"SepiaGreen", "Integer", 28}, {"SepiaBlue", "Integer", 32},
+    {"FactorRed", "Double"}, {"FactorBlue", "Double"}, {"FactorGreen", "Double"},
+};
+// clang-format on
+
 std::vector<std::string> events;
 
 bool recordEvent(const char* event) {
@@ -28,80 +120,144 @@ class RegistrationTest : public PluginTest {
   }
 };
 
-TEST_F(RegistrationTest, EntryCallsInOrder) {
-  const std::vector<std::string> expected = {"resolve RegisterPluginVersion",
-                                             "RegisterPluginVersion",
-                                             "resolve REALGetRBVersion",
-                                             "REALGetRBVersion",
-                                             "resolve REALenterMovies",
-                                             "REALenterMovies",
-                                             "resolve PluginRegisterClass",
-                                             "PluginRegisterClass",
-                                             "resolve PluginRegisterClassExtension",
-                                             "PluginRegisterClassExtension",
-                                             "PluginRegisterClassExtension"};
-  EXPECT_EQ(eventsOfLoading(), expected);
-}
-
-struct VersionCase {
+struct Version {
   const char* name;
   double version;
-  uint32_t memberFlags;
+  bool isNew;
 };
 
-class FlagsTest : public RegistrationTest, public testing::WithParamInterface<VersionCase> {};
-INSTANTIATE_TEST_SUITE_P(All, FlagsTest,
-                         testing::Values(VersionCase{"Zero", 0.0, 0x40000},
-                                         VersionCase{"JustBefore", 2010.028, 0x40000},
-                                         VersionCase{"First", 2010.029, 0x40004},
-                                         VersionCase{"New", 2019, 0x40004}),
-                         [](const auto& test) { return std::string(test.param.name); });
+std::vector<qrz::ClassRecord*> classRecords;
+std::vector<qrz::ClassRecord*> extensionRecords;
+std::vector<qrz::MethodRecord*> globalRecords;
 
-TEST_P(FlagsTest, AreTranslatedForNewHosts) {
-  runtime().settings.version = GetParam().version;
-  loadPlugin(pluginPath());
-  const Class& lut = *runtime().registry.findClass("PictureLut3DQRZ");
-  EXPECT_EQ(lut.flags, 4U);
-  EXPECT_EQ(lut.dataSize, 140000);
-  int members = 0;
-  for (const Class& entry : runtime().registry.classes()) {
-    for (const Member& member : entry.members) {
-      if (!member.isRegistered) continue;
-      const std::string& name = member.declaration.name;
-      const bool isOld = name == "MakeHBITMAPQRZ" || entry.name == "Graphics";
-      EXPECT_EQ(member.flags, isOld ? 0 : GetParam().memberFlags) << name;
-      ++members;
+/// A host that keeps the records and looks at them later.
+class CatalogueTest : public RegistrationTest, public testing::WithParamInterface<Version> {
+ protected:
+  void SetUp() override {
+    RegistrationTest::SetUp();
+    runtime().settings.version = GetParam().version;
+    auto& services = runtime().replacedServices;
+    services["PluginRegisterClass"] =
+        reinterpret_cast<void*>(+[](qrz::ClassRecord* record) { classRecords.push_back(record); });
+    services["PluginRegisterClassExtension"] = reinterpret_cast<void*>(
+        +[](qrz::ClassRecord* record) { extensionRecords.push_back(record); });
+    services["PluginRegisterMethod"] = reinterpret_cast<void*>(
+        +[](qrz::MethodRecord* record) { globalRecords.push_back(record); });
+    loadPlugin(pluginPath());
+  }
+
+  static uint32_t translated(uint32_t flags) {
+    return flags == kMarked && GetParam().isNew ? 0x40004 : flags;
+  }
+  static void expectMethod(const qrz::MethodRecord& record, const ExpectedMethod& expected) {
+    EXPECT_STREQ(record.declaration, expected.declaration);
+    EXPECT_EQ(record.flags, translated(expected.flags)) << expected.declaration;
+    EXPECT_NE(record.function, nullptr) << expected.declaration;
+    EXPECT_EQ(record.setter != nullptr, expected.isAssignable) << expected.declaration;
+  }
+  static void expectMethods(const qrz::ClassRecord& record,
+                            const std::vector<ExpectedMethod>& expected) {
+    ASSERT_EQ(record.methodCount, static_cast<int32_t>(expected.size()));
+    for (size_t i = 0; i < expected.size(); ++i) {
+      expectMethod(record.methods[i], expected[i]);
+      for (size_t k = 0; k < i; ++k) {
+        EXPECT_NE(record.methods[i].function, record.methods[k].function)
+            << expected[i].declaration << " is " << expected[k].declaration;
+      }
     }
   }
-  EXPECT_EQ(members, 9 + 2 + 5);
+  static void expectProperties(const qrz::ClassRecord& record, uint32_t flags,
+                               const std::vector<ExpectedProperty>& expected) {
+    ASSERT_EQ(record.propertyCount, static_cast<int32_t>(expected.size()));
+    for (size_t i = 0; i < expected.size(); ++i) {
+      const qrz::PropertyRecord& property = record.properties[i];
+      const bool hasFunctions = expected[i].offset == ExpectedProperty::kFunctions;
+      EXPECT_EQ(property.reserved, nullptr);
+      EXPECT_STREQ(property.name, expected[i].name);
+      EXPECT_STREQ(property.type, expected[i].type);
+      EXPECT_EQ(property.flags, translated(flags)) << expected[i].name;
+      EXPECT_EQ(property.getter != QRZ_HOST_FIELD_ACCESS, hasFunctions) << expected[i].name;
+      EXPECT_EQ(property.setter != QRZ_HOST_FIELD_ACCESS, hasFunctions) << expected[i].name;
+      EXPECT_TRUE(property.getter != nullptr && property.setter != nullptr) << expected[i].name;
+      EXPECT_EQ(property.param, hasFunctions ? 0 : expected[i].offset) << expected[i].name;
+      EXPECT_EQ(property.unused[0] | property.unused[1] | property.unused[2], 0U);
+    }
+  }
+  static void expectClass(const qrz::ClassRecord& record, const char* name, int32_t dataSize,
+                          uint32_t flags) {
+    EXPECT_EQ(record.version, 9);
+    EXPECT_STREQ(record.name, name);
+    EXPECT_EQ(record.superclass, nullptr);
+    EXPECT_EQ(record.dataSize, dataSize);
+    EXPECT_EQ(record.systemUse, 0) << "written by the host alone";
+    EXPECT_EQ(record.flags, flags);
+    const bool isClass = dataSize > 0;
+    EXPECT_EQ(record.constructor != nullptr, isClass);
+    EXPECT_EQ(record.destructor != nullptr, isClass);
+    EXPECT_EQ(record.properties != nullptr, isClass);
+    EXPECT_EQ(record.secondProperties, nullptr);
+    EXPECT_EQ(record.secondMethods, nullptr);
+    EXPECT_EQ(record.secondPropertyCount + record.secondMethodCount, 0);
+    for (const uint32_t word : record.unused1) EXPECT_EQ(word, 0U);
+    for (const uint32_t word : record.unused2) EXPECT_EQ(word, 0U);
+  }
+};
+INSTANTIATE_TEST_SUITE_P(All, CatalogueTest,
+                         testing::Values(Version{"Zero", 0.0, false},
+                                         Version{"JustBefore", 2010.028, false},
+                                         Version{"First", 2010.029, true},
+                                         Version{"New", 2019, true}),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(CatalogueTest, Classes) {
+  ASSERT_EQ(classRecords.size(), 2U);
+  const qrz::ClassRecord& sepia = *classRecords[0];
+  expectClass(sepia, "PictureSepiaQRZ", 64, 0);
+  expectProperties(sepia, 0, sepiaProperties);
+  expectMethods(sepia, sepiaMethods);
+  EXPECT_EQ(sepia.methods[0].function, sepia.destructor);
+  const qrz::ClassRecord& lut = *classRecords[1];
+  expectClass(lut, "PictureLut3DQRZ", 140000, 4);
+  expectProperties(lut, kMarked, lutProperties);
+  expectMethods(lut, lutMethods);
+  EXPECT_EQ(lut.methods[0].function, lut.destructor);
+}
+
+TEST_P(CatalogueTest, Extensions) {
+  ASSERT_EQ(extensionRecords.size(), 2U);
+  expectClass(*extensionRecords[0], "graphics", 0, 4);
+  expectMethods(*extensionRecords[0], graphicsMethods);
+  expectClass(*extensionRecords[1], "Picture", 0, 4);
+  expectMethods(*extensionRecords[1], pictureMethods);
+}
+
+TEST_P(CatalogueTest, GlobalMethods) {
+  ASSERT_EQ(globalRecords.size(), globalMethods.size());
+  for (size_t i = 0; i < globalMethods.size(); ++i) {
+    expectMethod(*globalRecords[i], globalMethods[i]);
+    if (i > 0) {
+      EXPECT_EQ(globalRecords[i], globalRecords[i - 1] + 1) << "records in one array";
+    }
+  }
+}
+
+TEST_F(RegistrationTest, EntryCallsInOrder) {
+  std::vector<std::string> expected = {
+      "resolve RegisterPluginVersion", "RegisterPluginVersion",
+      "resolve REALGetRBVersion",      "REALGetRBVersion",
+      "resolve REALenterMovies",       "REALenterMovies",
+      "resolve PluginRegisterClass",   "PluginRegisterClass",
+      "PluginRegisterClass",           "resolve PluginRegisterClassExtension",
+      "PluginRegisterClassExtension",  "PluginRegisterClassExtension",
+      "resolve PluginRegisterMethod"};
+  expected.insert(expected.end(), 8, "PluginRegisterMethod");
+  EXPECT_EQ(eventsOfLoading(), expected);
 }
 
 TEST_F(RegistrationTest, HostWithoutAVersionGetsTheOldFlags) {
   runtime().replacedServices["REALGetRBVersion"] = nullptr;
   loadPlugin(pluginPath());
   EXPECT_EQ(member("Picture", "InvertQRZ as picture").flags, 0x40000U);
-}
-
-TEST_F(RegistrationTest, DeclarationsInTheOrderOfTheCatalogue) {
-  loadPlugin(pluginPath());
-  const auto declarations = [](const char* className) {
-    std::vector<std::string> texts;
-    for (const Member& entry : runtime().registry.findClass(className)->members) {
-      if (entry.isRegistered) texts.push_back(entry.declaration.text);
-    }
-    return texts;
-  };
-  EXPECT_EQ(declarations("PictureLut3DQRZ"),
-            (std::vector<std::string>{
-                "SourcePicture as Picture", "DestinationPicture as Picture", "MaxX as Integer",
-                "MinX as Integer", "MaxY as Integer", "MinY as Integer", "Close", "Run as boolean",
-                "Table(r as integer, g as integer, b as integer, x as integer) as double"}));
-  const std::string rectangle =
-      "(left as integer,top as integer,width as integer,height as integer) as picture";
-  EXPECT_EQ(declarations("Picture"),
-            (std::vector<std::string>{"MakeHBITMAPQRZ as integer", "InvertQRZ" + rectangle,
-                                      "InvertQRZ as picture", "InvertGrayQRZ" + rectangle,
-                                      "InvertGrayQRZ as picture"}));
 }
 
 /// Fails every look-up.
@@ -111,6 +267,7 @@ TEST_F(RegistrationTest, HostThatKnowsNothing) {
   runtime().setCallHook(knowsNothing);
   loadPlugin(pluginPath());
   EXPECT_FALSE(runtime().registry.findClass("PictureLut3DQRZ"));
+  EXPECT_TRUE(runtime().registry.globals().empty());
 }
 
 TEST_F(RegistrationTest, ServiceIsLookedUpUntilItIsFoundAndNeverAgain) {
@@ -140,6 +297,10 @@ TEST_F(RegistrationTest, StubMembersDoNothing) {
   const auto calls = callsDuring([&] {
     EXPECT_EQ(call("Picture", "MakeHBITMAPQRZ as integer", picture.get()), Value{0});
     call("Graphics", "PaintDesktopQRZ", graphics.get());
+    std::vector<Value> arguments(12, 1);
+    arguments[8] = Nil{};
+    EXPECT_EQ(call("Graphics", graphicsMethods[0].declaration, graphics.get(), arguments),
+              Value{false});
   });
   EXPECT_TRUE(calls.empty());
 }

@@ -1,0 +1,328 @@
+// FindPicture against a naive search, and on pictures that are hard to search.
+
+#include <bit>
+#include <optional>
+
+#include "tests/support/calls.h"
+#include "tests/support/checks.h"
+#include "tests/support/plugin_test.h"
+
+namespace host {
+namespace {
+
+constexpr const char* kFind =
+    "FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean";
+
+struct Found {
+  bool found;
+  int32_t x, y;
+  friend bool operator==(const Found&, const Found&) = default;
+};
+constexpr Found kNothing = {false, 0, 0};
+
+void PrintTo(const Found& found, std::ostream* stream) {
+  *stream << (found.found ? "found at " : "nothing at ") << found.x << ", " << found.y;
+}
+
+/// The variables hold other values before the call.
+Found find(const Ref<Picture>& haystack, const Ref<Picture>& pattern) {
+  std::vector<Value> arguments = {objectValue(pattern), 7, -3};
+  const Value result = PluginTest::callByRef("Picture", kFind, haystack.get(), arguments);
+  return {std::get<bool>(result), std::get<int32_t>(arguments[1]), std::get<int32_t>(arguments[2])};
+}
+
+std::vector<uint32_t> colorsOf(const Picture& picture) {
+  std::vector<uint32_t> words = picture.pixels();
+  for (uint32_t& word : words) word &= 0xFFFFFF;
+  return words;
+}
+
+Found findNaively(const Picture& haystack, const Picture& pattern) {
+  const auto large = colorsOf(haystack);
+  const auto small = colorsOf(pattern);
+  const auto occursAt = [&](int32_t x0, int32_t y0) {
+    for (int32_t y = 0; y < pattern.height(); ++y) {
+      for (int32_t x = 0; x < pattern.width(); ++x) {
+        const int32_t place = (y0 + y) * haystack.width() + x0 + x;
+        if (large[static_cast<size_t>(place)] !=
+            small[static_cast<size_t>(y * pattern.width() + x)]) {
+          return false;
+        }
+      }
+    }
+    return true;
+  };
+  for (int32_t y = 0; y + pattern.height() <= haystack.height(); ++y) {
+    for (int32_t x = 0; x + pattern.width() <= haystack.width(); ++x) {
+      if (occursAt(x, y)) return {true, x, y};
+    }
+  }
+  return kNothing;
+}
+
+class SearchTest : public RepresentationTest {
+ protected:
+  /// Few colours with any pads, so that there are many partial matches.
+  Ref<Picture> fewColors(int32_t width, int32_t height, uint32_t colors) {
+    return drawnPicture(width, height, [&](int32_t, int32_t) {
+      constexpr uint32_t palette[] = {0xFFFFFF, 0, 0xFF0000, 0xFFFF80};
+      return palette[random() % colors] | (static_cast<uint32_t>(random()) & 0xFF000000);
+    });
+  }
+  /// The rectangle with other pads, in the representation of the sources.
+  Ref<Picture> cutOut(const Picture& from, int32_t left, int32_t top, int32_t width,
+                      int32_t height) {
+    return drawnPicture(width, height, [&](int32_t x, int32_t y) {
+      return from.pixel(left + x, top + y) | (static_cast<uint32_t>(random()) & 0xFF000000);
+    });
+  }
+  int32_t upTo(int32_t most) {
+    return 1 + static_cast<int32_t>(random() % static_cast<uint32_t>(most));
+  }
+  static void expectAsNaive(const Ref<Picture>& haystack, const Ref<Picture>& pattern) {
+    const Unchanged unchanged(haystack);
+    const Unchanged unchangedToo(pattern);
+    EXPECT_EQ(find(haystack, pattern), findNaively(*haystack, *pattern))
+        << pattern->describe() << " in " << haystack->describe();
+  }
+};
+QRZ_ALL_REPRESENTATIONS(SearchTest);
+
+TEST_P(SearchTest, RandomPatternsOfFewColours) {
+  for (int i = 0; i < 400; ++i) {
+    const auto haystack = fewColors(upTo(30), upTo(20), i % 2 == 0 ? 2 : 3);
+    expectAsNaive(haystack, fewColors(upTo(4), upTo(3), 2));
+  }
+}
+
+TEST_P(SearchTest, PartsOfThePictureInAllWidths) {
+  for (int32_t width = 1; width <= 70; ++width) {
+    const auto haystack = fewColors(width, upTo(9), 1 + static_cast<uint32_t>(width) % 4);
+    for (int i = 0; i < 8; ++i) {
+      const int32_t w = upTo(width);
+      const int32_t h = upTo(haystack->height());
+      const auto pattern =
+          cutOut(*haystack, upTo(width - w + 1) - 1, upTo(haystack->height() - h + 1) - 1, w, h);
+      expectAsNaive(haystack, pattern);
+      // One component of one pixel differs, if the depth keeps it.
+      const int32_t x = upTo(w) - 1;
+      const int32_t y = upTo(h) - 1;
+      pattern->fill(x, y, 1, 1, pattern->pixel(x, y) ^ 1U << random() % 24);
+      expectAsNaive(haystack, pattern);
+    }
+  }
+}
+
+TEST_P(SearchTest, PeriodicPictures) {
+  const auto periodic = [this](int32_t width, int32_t height, int32_t dx, int32_t dy) {
+    return drawnPicture(width, height, [=](int32_t x, int32_t y) {
+      return x % dx == 0 || y % dy == 0 ? 0x123400U : 0xFFFFFFU;
+    });
+  };
+  for (int i = 0; i < 150; ++i) {
+    const int32_t dx = upTo(5);
+    const int32_t dy = upTo(5);
+    const auto haystack = periodic(20 + upTo(20), 10 + upTo(10), dx, dy);
+    const auto pattern = cutOut(*haystack, upTo(8), upTo(8), upTo(12), upTo(6));
+    for (int flaws = 0; flaws < 3; ++flaws) {
+      expectAsNaive(haystack, pattern);
+      haystack->fill(upTo(30), upTo(15), 1, 1, 0x00FF00);
+    }
+  }
+}
+
+TEST_P(SearchTest, NearlyFlatPictures) {
+  // Nearly every place matches for long, so that the search has to be clever.
+  for (int i = 0; i < 120; ++i) {
+    const int32_t width = 30 + upTo(40);
+    const int32_t height = 25 + upTo(20);
+    const int32_t period = upTo(4);
+    const auto haystack = drawnPicture(width, height, [period](int32_t x, int32_t y) {
+      return (x + y) % period == 0 ? 0xFFFFFFU : 0x00FF00U;
+    });
+    const auto flaws = static_cast<int32_t>(random() % 4);
+    for (int32_t k = 0; k < flaws; ++k) haystack->fill(upTo(width) - 1, upTo(height) - 1, 1, 1, 0);
+    const int32_t w = 10 + upTo(18);
+    const int32_t h = 8 + upTo(12);
+    const int32_t left = i % 4 == 0 ? width - w : upTo(width - w + 1) - 1;
+    const int32_t top = i % 4 < 2 ? height - h : upTo(height - h + 1) - 1;
+    if (i % 3 == 0) haystack->fill(left + w - 1, top + h - 1, 1, 1, 0xFF0000);
+    const auto pattern = cutOut(*haystack, left, top, w, h);
+    expectAsNaive(haystack, pattern);
+    pattern->fill(w - 1, h - 1, 1, 1, 0x0000FF);
+    EXPECT_EQ(find(haystack, pattern), kNothing);
+  }
+}
+
+TEST_P(SearchTest, AutomaticSequences) {
+  // The bit counts' parities repeat none of their stretches three times in a row.
+  const auto parity = [](int32_t i) {
+    return (std::popcount(static_cast<uint32_t>(i)) & 1) != 0 ? 0xFFFFFFU : 0U;
+  };
+  const auto haystack =
+      drawnPicture(512, 3, [&](int32_t x, int32_t y) { return parity(x + 512 * y); });
+  for (int i = 0; i < 20; ++i) {
+    const auto pattern = cutOut(*haystack, upTo(300), i % 3, 64 << i % 2, 1);
+    expectAsNaive(haystack, pattern);
+    const auto complement =
+        drawnPicture(64, 1, [&](int32_t x, int32_t) { return pattern->pixel(x, 0) ^ 0xFFFFFF; });
+    expectAsNaive(haystack, complement);
+  }
+}
+
+TEST_P(SearchTest, TheUpperThenTheLeftOccurrence) {
+  const auto haystack = emptyPicture(40, 12);
+  const auto pattern = emptyPicture(3, 2);
+  pattern->fill(1, 1, 1, 1, 0x2040FF);
+  EXPECT_EQ(find(haystack, pattern), kNothing);
+  for (const auto& [x, y] : {std::pair{5, 9}, {30, 4}, {10, 4}, {39, 1}}) {
+    haystack->fill(x, y, 1, 1, pattern->pixel(1, 1));
+  }
+  EXPECT_EQ(find(haystack, pattern), (Found{true, 9, 3})) << "the one at the edge is cut off";
+  haystack->fill(38, 1, 1, 1, pattern->pixel(1, 1));
+  EXPECT_EQ(find(haystack, pattern), (Found{true, 9, 3}));
+  haystack->fill(39, 1, 1, 1, 0xFFFFFF);
+  EXPECT_EQ(find(haystack, pattern), (Found{true, 37, 0}));
+}
+
+TEST_P(SearchTest, PartialMatchesHideNothing) {
+  // A A B in A A A B; rows 1 2 in rows 1 1 2.
+  const auto row = drawnPicture(4, 3, [](int32_t x, int32_t y) {
+    return x == 3 ? 0xFF0000U : (y == 2 ? 0x0000FFU : 0x00FF00U);
+  });
+  EXPECT_EQ(find(row, cutOut(*row, 1, 0, 3, 1)), (Found{true, 1, 0}));
+  EXPECT_EQ(find(row, cutOut(*row, 0, 1, 2, 2)), (Found{true, 0, 1}));
+  EXPECT_EQ(find(row, cutOut(*row, 2, 1, 2, 2)), (Found{true, 2, 1}));
+}
+
+TEST_P(SearchTest, WholeSinglePixelAndTooLarge) {
+  const auto haystack = randomPicture(21, 8);
+  EXPECT_EQ(find(haystack, haystack), (Found{true, 0, 0}));
+  EXPECT_EQ(find(haystack, cutOut(*haystack, 0, 0, 21, 8)), (Found{true, 0, 0}));
+  EXPECT_EQ(find(haystack, randomPicture(22, 1)), kNothing);
+  EXPECT_EQ(find(haystack, randomPicture(1, 9)), kNothing);
+  EXPECT_EQ(find(haystack, randomPicture(22, 9)), kNothing);
+  for (int32_t i = 0; i < 21 * 8; ++i) {
+    expectAsNaive(haystack, cutOut(*haystack, i % 21, i / 21, 1, 1));
+  }
+}
+
+TEST_P(SearchTest, NilIsNotFound) {
+  const auto picture = randomPicture(3, 3);
+  EXPECT_EQ(find(picture, nullptr), kNothing);
+  EXPECT_EQ(find(nullptr, picture), kNothing);
+  EXPECT_EQ(find(nullptr, nullptr), kNothing);
+}
+
+TEST_P(SearchTest, FailingCallsFindNothing) {
+  const auto haystack = fewColors(6, 5, 4);
+  const auto pattern = cutOut(*haystack, 4, 3, 2, 2);
+  const Found expected = findNaively(*haystack, *pattern);
+  expectNothingLeftByFailures([&] {
+    const Unchanged unchanged(haystack);
+    const Unchanged unchangedToo(pattern);
+    const Found result = find(haystack, pattern);
+    // Copies that could not be drawn are white.
+    if (!result.found || GetParam().sources == Storage::Bitmap) {
+      EXPECT_TRUE(result == kNothing || result == expected);
+    }
+  });
+  EXPECT_EQ(find(haystack, pattern), expected);
+}
+
+// --- Which readers are opened ------------------------------------------------
+
+class SearchCallsTest : public PluginTest {
+ protected:
+  static Calls callsOfFind(Storage haystack, Storage pattern, const Found& expected) {
+    const auto large = Picture::create(haystack, 4, 4);
+    const auto small = Picture::create(pattern, 2, 2);
+    return callsDuring([&] { EXPECT_EQ(find(large, small), expected); });
+  }
+};
+constexpr Found kAtOnce = {true, 0, 0};
+
+TEST_F(SearchCallsTest, RowTableFirst) {
+  const Calls settled = joined({openGWorld, openGWorld, closeGWorld, closeGWorld});
+  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::GWorld, kAtOnce), joined({refuse, settled}));
+  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::GWorld, kAtOnce), settled);
+}
+
+TEST_F(SearchCallsTest, Bitmaps) {
+  const Calls expected = joined({openBitmap, openBitmap, closeBitmap, closeBitmap});
+  EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce), expected);
+  EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce), expected);
+}
+
+TEST_F(SearchCallsTest, PatternOfAnotherKindThanABitmap) {
+  EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::GWorld, kNothing),
+            joined({openBitmap, refuse, closeBitmap}));
+}
+
+TEST_F(SearchCallsTest, BitmapInAGWorld) {
+  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::Bitmap, kNothing),
+            joined({refuse, openGWorld, refuse, closeGWorld}));
+}
+
+TEST_F(SearchCallsTest, CopyOfThePatternAlone) {
+  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::Context, kAtOnce),
+            joined({refuse, openGWorld, refuse, makeCopy, openGWorld, dropCopy, closeGWorld,
+                    closeGWorld}));
+}
+
+// --- Pictures that take a careless search for ever ---------------------------
+
+class HostileSearchTest : public RepresentationTest {
+ protected:
+  using Word = std::function<uint32_t(int32_t, int32_t)>;
+  static constexpr int32_t kWidth = 4000;
+  static constexpr int32_t kHeight = 3000;
+
+  /// Both are drawn the same; the last pixel of the pattern is another, and
+  /// occurs in the picture nowhere, then in the last place.
+  void expectFoundLast(const Word& word, int32_t width, int32_t height) {
+    const auto haystack = drawnPicture(kWidth, kHeight, word);
+    const auto pattern = drawnPicture(width, height, [&](int32_t x, int32_t y) {
+      return word(kWidth - width + x, kHeight - height + y);
+    });
+    pattern->fill(width - 1, height - 1, 1, 1, 0xFFFF00);
+    EXPECT_EQ(find(haystack, pattern), kNothing);
+    haystack->fill(kWidth - 1, kHeight - 1, 1, 1, 0xFFFF00);
+    EXPECT_EQ(find(haystack, pattern), (Found{true, kWidth - width, kHeight - height}));
+  }
+};
+INSTANTIATE_TEST_SUITE_P(All, HostileSearchTest,
+                         testing::Values(allRepresentations[0], allRepresentations[2]),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(HostileSearchTest, WhiteInWhite) {
+  const auto white = [](int32_t, int32_t) { return 0xFFFFFFU; };
+  expectFoundLast(white, kWidth / 2, kHeight / 2);
+  expectFoundLast(white, kWidth / 2, 1);
+  expectFoundLast(white, 1, kHeight / 2);
+}
+
+TEST_P(HostileSearchTest, Stripes) {
+  expectFoundLast([](int32_t x, int32_t) { return x % 2 == 0 ? 0U : 0xFFFFFFU; }, 2000, 1500);
+  expectFoundLast([](int32_t, int32_t y) { return y % 3 == 0 ? 0U : 0xFFFFFFU; }, 2000, 1500);
+}
+
+TEST_P(HostileSearchTest, CheckerboardAndBars) {
+  expectFoundLast([](int32_t x, int32_t y) { return (x + y) % 2 == 0 ? 0U : 0xFFFFFFU; }, 2000,
+                  1500);
+  // Long equal stretches that end now and then.
+  expectFoundLast([](int32_t x, int32_t y) { return (x + 7 * y) % 1999 == 0 ? 0U : 0xFFFFFFU; },
+                  1900, 1400);
+}
+
+TEST_P(HostileSearchTest, AllButOnePixelInTheMiddle) {
+  const auto haystack = emptyPicture(kWidth, kHeight);
+  const auto pattern = emptyPicture(1000, 1000);
+  pattern->fill(500, 500, 1, 1, 0);
+  EXPECT_EQ(find(haystack, pattern), kNothing);
+  haystack->fill(3499, 2499, 1, 1, 0);
+  EXPECT_EQ(find(haystack, pattern), (Found{true, 2999, 1999}));
+}
+
+}  // namespace
+}  // namespace host

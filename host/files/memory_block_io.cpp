@@ -1,6 +1,7 @@
 #include "host/files/memory_block_io.h"
 
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "host/core/exception.h"
@@ -16,6 +17,10 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr std::string_view kSamplePrefix = "sample:";
 
+[[noreturn]] void raiseTooLarge(const std::string& path) {
+  raise("IOException", fileMessage(path, "is too large for the memory of this process"));
+}
+
 /// Runs an action on a file; what goes wrong becomes an exception of the script.
 template <typename Action>
 auto guarded(const std::string& path, const Action& action) {
@@ -24,7 +29,9 @@ auto guarded(const std::string& path, const Action& action) {
   } catch (const FileFault& fault) {
     raise("IOException", fileMessage(path, fault.what()));
   } catch (const std::bad_alloc&) {
-    raise("IOException", fileMessage(path, "is too large for the memory of this process"));
+    raiseTooLarge(path);
+  } catch (const std::length_error&) {
+    raiseTooLarge(path);
   }
 }
 

@@ -177,6 +177,17 @@ TEST_P(CountingTest, ShortBlocksAreRefused) {
   }
 }
 
+TEST_P(CountingTest, NothingBehindABlockIsTouched) {
+  guardMemoryBlocks();
+  const auto picture =
+      drawnPicture(256, 1, [](int32_t x, int32_t) { return static_cast<uint32_t>(x) * 0x010101; });
+  for (const size_t size : {size_t{1024}, size_t{1023}, size_t{4}}) {
+    const auto small = memoryBlock(std::vector<uint8_t>(size));
+    std::vector<Value> blocks = {objectValue(small), objectValue(small), objectValue(small)};
+    EXPECT_EQ(countColors(picture, blocks), size == 1024 ? 256 : -1);
+  }
+}
+
 TEST_P(CountingTest, NewBlocksAreClearedBeforeCounting) {
   runtime().replacedServices["newMemoryBlock"] = reinterpret_cast<void*>(+[](int32_t size)
                                                                              -> Object* {

@@ -128,6 +128,8 @@ TEST_P(GuardTest, OnlyThePixelsAreWritten) {
     const std::vector<std::pair<const char*, std::vector<Value>>> members = {
         {"InvertQRZ as picture", {}},
         {"InvertGrayQRZ as picture", {}},
+        {"EmbeddedMaskQRZ(swap as boolean) as picture", {true}},
+        {"ExtractColorRectangleMaskQRZ as picture", {}},
         {"ChangeContrastQRZ(x as double) as picture", {0.5}},
         {"ChangeSaturationQRZ(Amount as integer) as picture", {100}},
         {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", {self}},
@@ -158,6 +160,58 @@ TEST_P(GuardTest, OnlyThePixelsAreWritten) {
     }
     EXPECT_TRUE(isIntact(*picture));
     EXPECT_TRUE(samePixels(*picture, before));
+  }
+}
+
+TEST_P(GuardTest, OnlyThePadsAreAssigned) {
+  for (int32_t width = 1; width <= 70; ++width) {
+    const auto picture = source(width, 3);
+    const auto mask = source(width, 3);
+    const auto levels = mask->pixels();
+    auto expected = picture->pixels();
+    for (size_t i = 0; i < expected.size(); ++i) {
+      expected[i] = (expected[i] & 0xFFFFFF) | (levels[i] & 0xFF0000) << 8;
+    }
+    assign("Picture", "EmbeddedMaskQRZ(swap as boolean) as picture", picture.get(), {false},
+           objectValue(mask));
+    EXPECT_TRUE(samePixels(*picture, expected));
+    EXPECT_TRUE(isIntact(*picture)) << width;
+  }
+}
+
+TEST_P(GuardTest, RowsAtOddAddressesAreReadAsOthers) {
+  const auto results = [](const Ref<Picture>& picture, const Ref<Picture>& part) {
+    std::vector<Value> found = {objectValue(part), 0, 0};
+    const Value color = Color{picture->pixel(0, 0)};
+    return std::vector<Value>{
+        call("", "PicturetoBinaryStringQRZ(p as picture) as string", nullptr,
+             {objectValue(picture)}),
+        call("Picture", "CountColorQRZ(col as color) as integer", picture.get(), {color}),
+        call("Picture", "isBlackQRZ as boolean", picture.get()),
+        callByRef("Picture",
+                  "FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean",
+                  picture.get(), found),
+        found[1],
+        found[2]};
+  };
+  for (int32_t width = 1; width <= 70; ++width) {
+    const auto odd = source(width, 3);
+    const auto oddPart = GetParam().make((width + 1) / 2, 2);
+    drawPicture(*oddPart, *odd, {0, 0, (width + 1) / 2, 2, width / 2, 1, (width + 1) / 2, 2});
+    const auto storage = odd->store().type() == qrz::kGWorld ? Storage::GWorld : Storage::Bitmap;
+    const auto even = Picture::create(storage, width, 3);
+    even->setPixels(odd->pixels());
+    const auto evenPart = Picture::create(storage, oddPart->width(), 2);
+    evenPart->setPixels(oddPart->pixels());
+    const auto expected = results(even, evenPart);
+    EXPECT_EQ(std::get<bool>(expected[3]), true);
+    EXPECT_EQ(std::get<int32_t>(expected[5]), 1);
+    EXPECT_TRUE(results(odd, oddPart) == expected) << width;
+    const Value back =
+        call("", "BinaryStringtoPictureQRZ(data as String) as Picture", nullptr, {expected[0]});
+    EXPECT_TRUE(isIntact(*objectAs<Picture>(back))) << width;
+    EXPECT_EQ(call("", "PicturetoBinaryStringQRZ(p as picture) as string", nullptr, {back}),
+              expected[0]);
   }
 }
 

@@ -80,7 +80,7 @@ class PictureSearch {
     }
     uint32_t hash = 0;
     for (int32_t x = 0; x < pattern_.width(); ++x) {
-      hash = hashPlus(hashTimes(hash, kRowBase), hashes[x]);
+      hash = hashPlus(hashTimes(hash, bases_.row), hashes[x]);
       hashes[x] = 0;
     }
     return hash;
@@ -88,7 +88,8 @@ class PictureSearch {
 
   void slide(const Buffer<uint32_t>& hashes, int32_t width, const PixelWord* entering,
              const PixelWord* leaving) const {
-    QRZ_KERNEL_CALL(slideColumns<Format>(hashes.data(), width, entering, leaving, columnPower_));
+    QRZ_KERNEL_CALL(
+        slideColumns<Format>(hashes.data(), width, entering, leaving, bases_.column, columnPower_));
   }
 
   /// Compares at the places of a row whose hash is right; `hashes` are those of
@@ -96,16 +97,16 @@ class PictureSearch {
   bool findInRowByHash(int32_t y, const Buffer<uint32_t>& hashes, uint32_t wanted,
                        Position& found) {
     const int32_t width = pattern_.width();
-    const uint32_t power = hashPower(kRowBase, width);
+    const uint32_t power = hashPower(bases_.row, width);
     uint32_t hash = 0;
-    for (int32_t x = 0; x < width; ++x) hash = hashPlus(hashTimes(hash, kRowBase), hashes[x]);
+    for (int32_t x = 0; x < width; ++x) hash = hashPlus(hashTimes(hash, bases_.row), hashes[x]);
     for (int32_t x = 0;; ++x) {
       if (hash == wanted && matchesAt({x, y})) {
         found = {x, y};
         return true;
       }
       if (x + 1 >= columns_) return false;
-      hash = hashPlus(hashTimes(hash, kRowBase), hashes[x + width]);
+      hash = hashPlus(hashTimes(hash, bases_.row), hashes[x + width]);
       hash = hashMinus(hash, hashTimes(hashes[x], power));
     }
   }
@@ -139,7 +140,8 @@ class PictureSearch {
   const Reader& haystack_;
   const Reader& pattern_;
   const int32_t columns_, rows_;  ///< places to look at; none if below 1
-  const uint32_t columnPower_ = hashPower(kColumnBase, pattern_.height());
+  const HashBases bases_ = unpredictableBases();
+  const uint32_t columnPower_ = hashPower(bases_.column, pattern_.height());
   int64_t compared_ = 0;
   /// Pixels that may be compared in vain before hashing pays.
   int64_t affordable_ = 8 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
@@ -151,8 +153,8 @@ class PictureSearch {
 /// the picture with exactly its colours; pads are not compared. 1 and the place
 /// of its top left pixel, or 0 and (0, 0): also if one of the pictures is nil,
 /// cannot be read or is empty, or `pic` is larger. What x and y held before does
-/// not count. The time is that of a few passes over the picture, whatever the
-/// pictures hold.
+/// not count. The time to expect is that of a few passes over the picture,
+/// whatever the pictures hold.
 int32_t FindPicture(HostPicture picture, HostPicture pic, int32_t* x, int32_t* y) {
   *x = 0;
   *y = 0;

@@ -4,7 +4,8 @@
 //
 // A rectangle's hash is a polynomial of its pixels modulo a prime: down each
 // column with one base, then across the columns with another. Equal rectangles
-// have equal hashes; that others do, too, is rare but possible.
+// have equal hashes; that others do, too, is rare, also for pictures made to
+// that end, since nobody knows the bases beforehand.
 #pragma once
 
 #include "plugin/pixels/format.h"
@@ -13,9 +14,6 @@ namespace qrz {
 
 /// Values 0 to 2^31 - 2, the remainders of the Mersenne prime 2^31 - 1.
 constexpr uint32_t kHashPrime = 0x7FFFFFFF;
-constexpr uint32_t kColumnBase = 1'540'483'477;
-constexpr uint32_t kRowBase = 1'812'433'253;
-static_assert(kColumnBase < kHashPrime && kRowBase < kHashPrime);
 
 QRZ_INLINE uint32_t hashPlus(uint32_t a, uint32_t b) {
   const uint32_t sum = a + b;
@@ -28,6 +26,23 @@ QRZ_INLINE uint32_t hashTimes(uint32_t a, uint32_t b) {
   const uint64_t product = static_cast<uint64_t>(a) * b;
   return hashPlus(static_cast<uint32_t>(product & kHashPrime),
                   static_cast<uint32_t>(product >> 31));
+}
+
+/// The bases of one search.
+struct HashBases {
+  uint32_t column, row;
+};
+
+/// Takes bases from the processor's clock. They decide about time, never about
+/// what is found.
+inline HashBases unpredictableBases() {
+  constexpr uint32_t kLeast = 1 << 16;
+  const uint64_t clock = __builtin_ia32_rdtsc();
+  // An odd factor spreads the lowest bits, which change most, over the word.
+  const uint32_t mixed =
+      static_cast<uint32_t>(clock >> 32) ^ static_cast<uint32_t>(clock) * 0x9E3779B1U;
+  const uint32_t again = (mixed ^ mixed >> 15) * 0x85EBCA77U;
+  return {kLeast + mixed % (kHashPrime - kLeast), kLeast + again % (kHashPrime - kLeast)};
 }
 
 /// `base` to the power of `exponent`, 0 or more.

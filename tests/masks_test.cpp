@@ -463,6 +463,16 @@ TEST_P(HostileBoxMaskTest, ShapesOfAllSizes) {
   }
 }
 
+TEST_P(HostileBoxMaskTest, LongAndThin) {
+  for (const auto& [width, height] : {std::pair{8000000, 1}, {1, 8000000}, {1000000, 7}}) {
+    const auto picture = emptyPicture(width, height);
+    picture->fill(0, 0, width, height, 0x8080FF);
+    const auto mask = filter(kExtract, picture);
+    ASSERT_TRUE(mask);
+    EXPECT_EQ(call("Picture", "isBlackQRZ as boolean", mask.get()), Value{true});
+  }
+}
+
 TEST_P(HostileBoxMaskTest, ManySpecksOnALargePicture) {
   const auto picture = draw(shapes[0], 4000, 3000);
   const auto mask = filter(kExtract, picture);

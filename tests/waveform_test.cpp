@@ -159,6 +159,15 @@ TEST_P(WaveformTest, ColumnsOfVeryManySamples) {
   expectRendered({randomBytes(3000000), 0, 2, 3000, 20, 1});
 }
 
+TEST_P(WaveformTest, SilenceAfterSound) {
+  // The averages fade below all that a double can hold.
+  std::vector<uint8_t> bytes(200000);
+  bytes[0] = bytes[3] = 100;
+  for (const int32_t smooth : {2, 100, 1000, -5}) {
+    for (const int32_t height : {1, 2, 51}) expectRendered({bytes, 0, smooth, 300, height, 0});
+  }
+}
+
 TEST_P(WaveformTest, ThinOutlineBlendsByDistance) {
   const auto result = render({{0, 0, 0, 4}, 0, 1, 2, 100, 1});
   ASSERT_TRUE(result);

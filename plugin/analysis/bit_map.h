@@ -10,6 +10,7 @@ namespace qrz {
 /// the lowest bit; a row starts a new word.
 class BitMap {
  public:
+  /// Sizes of at least 0.
   BitMap(int64_t width, int64_t height)
       : rowWords_((width + 31) / 32), words_(rowWords_ * height) {}
 

@@ -26,7 +26,8 @@ struct Histogram {
   }
   /// Whether there is a block that holds all counters.
   [[nodiscard]] bool isUsable() const {
-    return *variable != nullptr && service::memoryBlockGetSize(*variable) >= kHistogramBytes;
+    if (*variable == nullptr) return false;
+    return isNew || service::memoryBlockGetSize(*variable) >= kHistogramBytes;
   }
   /// Finds the counters; new ones start at 0, whatever the host put there.
   bool open() {
@@ -64,7 +65,7 @@ struct PixelCounts {
       ++green.odd[Format::green(second)];
       ++blue.odd[Format::blue(second)];
     }
-    if (x == count) return;
+    if (x >= count) return;
     ++red.even[Format::red(row[x])];
     ++green.even[Format::green(row[x])];
     ++blue.even[Format::blue(row[x])];
@@ -76,15 +77,15 @@ template <typename Path>
 int32_t countPixels(const PictureReader<Path>& reader, Counter* red, Counter* green,
                     Counter* blue) {
   PixelCounts counts{};
-  int32_t pixels = 0;
+  uint32_t pixels = 0;
   for (int32_t y = 0; y < reader.height(); ++y) {
     counts.add<typename Path::Format>(reader.row(y), reader.width());
-    pixels += reader.width();
+    pixels += static_cast<uint32_t>(reader.width());
   }
   counts.red.addTo(red);
   counts.green.addTo(green);
   counts.blue.addTo(blue);
-  return pixels;
+  return static_cast<int32_t>(pixels);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 /// Turns a value v into 255 - v if set.
 uint32_t flipFor(HostBoolean swap) { return swap != 0 ? 255 : 0; }
 
-/// The host's bitmap records use the top bit for themselves.
+/// Of a bitmap record's pads, the top bit is not part of the mask.
 template <typename Format>
 constexpr uint32_t kReadableMask = std::is_same_v<Format, RowTableFormat> ? 0x7F : 0xFF;
 

@@ -15,6 +15,41 @@ struct Box {
   int32_t left, top, right, bottom;
 };
 
+/// One side of a growing box: the line of pixels beside it, a row of the map.
+class Side {
+ public:
+  /// `step` leads away from the box.
+  Side(const BitMap& map, int32_t line, int32_t step) : map_(map), line_(line), step_(step) {}
+
+  /// The line beside the box.
+  [[nodiscard]] int32_t line() const { return line_; }
+
+  /// Moves by one line if a pixel of it from `first` to `last`, both included,
+  /// is set. What was found clear is not looked at again until then.
+  bool advance(int32_t first, int32_t last) {
+    if (!isTouched(first, last)) {
+      clearFirst_ = first;
+      clearLast_ = last;
+      return false;
+    }
+    line_ += step_;
+    clearLast_ = clearFirst_ - 1;
+    return true;
+  }
+
+ private:
+  /// Stretches only grow while a side stands still.
+  [[nodiscard]] bool isTouched(int32_t first, int32_t last) const {
+    if (clearLast_ < clearFirst_) return map_.any(line_, first, last);
+    return (first < clearFirst_ && map_.any(line_, first, clearFirst_ - 1)) ||
+           (last > clearLast_ && map_.any(line_, clearLast_ + 1, last));
+  }
+
+  const BitMap& map_;
+  int32_t line_, step_;
+  int32_t clearFirst_ = 0, clearLast_ = -1;  ///< known to be clear; none at first
+};
+
 /// The coloured pixels that no box covers yet, and the pixels that are covered.
 /// The coloured pixels have a ring around them, never coloured, so that no box
 /// can leave the picture: pixel (x, y) is bit (x + 1, y + 1).
@@ -48,7 +83,7 @@ class ColoredAreas {
     for (int32_t y = 1; y <= height_; ++y) {
       for (int32_t x = colored_.next(y, 1, width_ + 1); x <= width_;
            x = colored_.next(y, x, width_ + 1)) {
-        coverBox(grow({x, y, x, y}));
+        coverBox(boxAround(x, y));
       }
     }
   }
@@ -68,21 +103,21 @@ class ColoredAreas {
     coloredByColumn_.set(y, x);
   }
 
-  /// Moves each side by one pixel as long as there is a coloured one beside it,
-  /// all four in turn; pixels at the corners do not count.
-  [[nodiscard]] Box grow(Box box) const {
+  /// The box that grows from one pixel: each side moves by one pixel as long as
+  /// there is a coloured one beside it, all four in turn; pixels at the corners
+  /// do not count.
+  [[nodiscard]] Box boxAround(int32_t x, int32_t y) const {
+    Side above(colored_, y - 1, -1);
+    Side below(colored_, y + 1, 1);
+    Side left(coloredByColumn_, x - 1, -1);
+    Side right(coloredByColumn_, x + 1, 1);
     for (bool moved = true; moved;) {
-      const bool up = colored_.any(box.top - 1, box.left, box.right);
-      if (up) --box.top;
-      const bool down = colored_.any(box.bottom + 1, box.left, box.right);
-      if (down) ++box.bottom;
-      const bool toLeft = coloredByColumn_.any(box.left - 1, box.top, box.bottom);
-      if (toLeft) --box.left;
-      const bool toRight = coloredByColumn_.any(box.right + 1, box.top, box.bottom);
-      if (toRight) ++box.right;
-      moved = up || down || toLeft || toRight;
+      moved = above.advance(left.line() + 1, right.line() - 1);
+      moved |= below.advance(left.line() + 1, right.line() - 1);
+      moved |= left.advance(above.line() + 1, below.line() - 1);
+      moved |= right.advance(above.line() + 1, below.line() - 1);
     }
-    return box;
+    return {left.line() + 1, above.line() + 1, right.line() - 1, below.line() - 1};
   }
 
   void coverBox(const Box& box) {
@@ -106,8 +141,8 @@ class ColoredAreas {
 /// A new picture of the picture's size, black and white: black rectangles cover
 /// the coloured pixels (red, green and blue not all equal) inside the rectangle.
 /// Each starts at a coloured pixel and grows until no coloured one touches its
-/// sides; touching at a corner does not count. The time does not depend on how
-/// many there are. Nil if the picture cannot be read, no new one can be made or
+/// sides; touching at a corner does not count. The picture is scanned once,
+/// however many there are. Nil if the picture cannot be read, no new one can be made or
 /// there is no memory.
 HostPicture ExtractColorRectangleMaskRectangleQRZ(HostPicture picture, int32_t left, int32_t top,
                                                   int32_t width, int32_t height) {

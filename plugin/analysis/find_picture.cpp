@@ -45,13 +45,16 @@ class PictureSearch {
   }
 
  private:
+  /// What it costs to start with a row, in pixels.
+  static constexpr int64_t kRowCost = 16;
+
   /// Compares the pictures at one place.
   bool matchesAt(Position place) {
     for (int32_t y = 0; y < pattern_.height(); ++y) {
       const PixelWord* row = haystack_.row(place.y + y) + place.x;
       const int32_t equal =
           QRZ_KERNEL_CALL(equalPixels<Format>(pattern_.row(y), row, pattern_.width()));
-      compared_ += equal;
+      compared_ += kRowCost + equal;
       if (equal < pattern_.width()) return false;
     }
     return true;
@@ -63,7 +66,7 @@ class PictureSearch {
     const uint32_t first = pattern_.row(0)[0];
     const PixelWord* row = haystack_.row(y);
     for (int32_t x = 0; x < columns_; ++x) {
-      if (((row[x] ^ first) & Format::colourMask) != 0) continue;
+      if (((row[x] ^ first) & Format::colorMask) != 0) continue;
       if (matchesAt({x, y})) {
         found = {x, y};
         return true;
@@ -144,7 +147,7 @@ class PictureSearch {
   const uint32_t columnPower_ = hashPower(bases_.column, pattern_.height());
   int64_t compared_ = 0;
   /// Pixels that may be compared in vain before hashing pays.
-  int64_t affordable_ = 8 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
+  int64_t affordable_ = 2 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
 };
 
 }  // namespace

@@ -33,7 +33,7 @@ int64_t rotationBytes(int64_t count, int64_t shift, int64_t unit) {
 
 /// Along a row; a failure to move counts as done.
 struct Horizontal {
-  static constexpr int32_t failed = 1;
+  static constexpr int32_t resultOfFailure = 1;
   static constexpr bool isHorizontal = true;
 
   static int32_t length(const GWorldLock& lock) { return lock.width(); }
@@ -47,7 +47,7 @@ struct Horizontal {
 
 /// Whole rows, what follows the last pixel of each included.
 struct Vertical {
-  static constexpr int32_t failed = 0;
+  static constexpr int32_t resultOfFailure = 0;
   static constexpr bool isHorizontal = false;
 
   static int32_t length(const GWorldLock& lock) { return lock.height(); }
@@ -77,40 +77,43 @@ class CurrentPort {
 /// QuickDraw's coordinates: the low 16 bits, signed.
 int16_t coordinate(int32_t value) { return static_cast<int16_t>(value); }
 
-/// Scrolls a whole GWorld. False, with nothing moved, if there is no region.
-bool scrollGWorld(const PictureDescription& description, int32_t dh, int32_t dv) {
+/// Scrolls a whole GWorld. Nothing moves if there is no region.
+void scrollGWorld(const PictureDescription& description, int32_t dh, int32_t dv) {
   const CurrentPort current(static_cast<GWorldPtr>(description.data));
   RgnHandle uncovered = NewRgn();
-  if (uncovered == nullptr) return false;
+  if (uncovered == nullptr) return;
   Rect bounds;
   SetRect(&bounds, 0, 0, coordinate(description.width), coordinate(description.height));
   ScrollRect(&bounds, coordinate(dh), coordinate(dv), uncovered);
   DisposeRgn(uncovered);
-  return true;
 }
 
 template <typename Axis>
 int32_t scrollWithoutWrap(HostPicture picture, int32_t delta) {
-  if (picture == nullptr) return Axis::failed;
+  if (picture == nullptr) return Axis::resultOfFailure;
   DescriptionLock lock;
   const PictureDescription& description = lock.lock(picture);
-  if (description.type != kGWorld || description.data == nullptr) return Axis::failed;
+  if (description.type != kGWorld) return Axis::resultOfFailure;
   const int32_t dh = Axis::isHorizontal ? delta : 0;
   const int32_t dv = Axis::isHorizontal ? 0 : delta;
-  return scrollGWorld(description, dh, dv) ? 1 : Axis::failed;
+  if (description.data != nullptr) scrollGWorld(description, dh, dv);
+  return 1;
 }
 
 template <typename Axis>
 int32_t scrollWithWrap(HostPicture picture, int32_t delta) {
   GWorldLock lock;
-  if (!lock.acquire(picture, LockDepth::Either)) return Axis::failed;
+  if (!lock.acquire(picture, LockDepth::Either)) return Axis::resultOfFailure;
+  if (lock.width() < 1 || lock.height() < 1) return 1;
+  // Rows that do not hold their pixels are left alone.
+  const int64_t pixelBytes = int64_t{lock.bytesPerPixel()} * lock.width();
+  if (pixelBytes > lock.rowBytes()) return Axis::resultOfFailure;
   const int32_t length = Axis::length(lock);
-  if (length < 1) return 1;
   const int32_t remainder = delta % length;
   const int32_t shift = remainder >= 0 ? remainder : remainder + length;
   if (shift == 0) return 1;
   const Buffer<uint8_t> buffer(rotationBytes(length, shift, Axis::unit(lock)));
-  if (!buffer) return Axis::failed;
+  if (!buffer) return Axis::resultOfFailure;
   Axis::rotateAll(lock, shift, buffer.data());
   return 1;
 }
@@ -134,7 +137,8 @@ int32_t scroll(HostPicture picture, int32_t delta, bool wrap, bool scrollmask) {
 /// background is. `scrollmask` first moves the picture's mask likewise. Works on
 /// GWorlds, with `wrap` of depth 32 and 24. 1 if the picture was moved or had
 /// not to be; 0, with the picture as it was, if it is nil, no such GWorld or
-/// there is no memory, or if the mask could not be moved.
+/// there is no memory, or if the mask could not be moved. Without memory for
+/// QuickDraw's region nothing moves, and the result is still 1.
 int32_t ScrollVerticalQRZ(HostPicture picture, int32_t delta, HostBoolean wrap,
                           HostBoolean scrollmask) {
   return scroll<Vertical>(picture, delta, wrap != 0, scrollmask != 0);

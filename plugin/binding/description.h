@@ -22,6 +22,10 @@ struct PictureDescription {
   int32_t width;   ///< pixels
   int32_t height;  ///< pixels
   uint32_t unread[2];
+
+  /// The size, but never below 0, whatever the host says.
+  [[nodiscard]] int32_t columns() const { return width > 0 ? width : 0; }
+  [[nodiscard]] int32_t rows() const { return height > 0 ? height : 0; }
 };
 static_assert(sizeof(PictureDescription) == 24);
 

@@ -26,7 +26,7 @@ HostText textOf(HostString string) {
 }
 
 HostString MakeHostString(const char* bytes, int32_t length, int32_t encoding) {
-  if (bytes == nullptr || length == 0) return nullptr;
+  if (bytes == nullptr || length < 1) return nullptr;
   HostString string = service::REALBuildString(bytes, length);
   if (string == nullptr) return nullptr;
   service::REALSetStringEncoding(string, encoding);

@@ -11,10 +11,11 @@ enum BinaryStringOffset : int32_t {
   kLengthOffset = 4,  ///< of the whole string, in bytes
   kWidthOffset = 8,
   kHeightOffset = 12,
-  kDepthOffset = 16,   ///< bits per pixel; not looked at
-  kPixelsOffset = 20,  ///< where the pixels start; then 16 bytes of zeros
-  kHeaderBytes = 40,
+  kDepthOffset = 16,  ///< bits per pixel; not looked at
+  kStartOffset = 20,  ///< where the pixels start; then 16 bytes of zeros
 };
+
+constexpr int32_t kHeaderBytes = 40;
 
 constexpr uint32_t kBinaryStringMagic = 0x50504943;
 constexpr uint32_t kBinaryStringDepth = 32;

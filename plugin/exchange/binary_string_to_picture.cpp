@@ -27,12 +27,12 @@ struct Triplets {
 Triplets tripletsOf(const HostText& text) {
   const auto* bytes = reinterpret_cast<const uint8_t*>(text.bytes);
   const auto length = static_cast<uint32_t>(text.length);
-  if (length < kPixelsOffset + 4) return {};
+  if (length < kStartOffset + 4) return {};
   if (readBigEndian(bytes + kMagicOffset) != kBinaryStringMagic) return {};
   if (readBigEndian(bytes + kLengthOffset) != length) return {};
   const auto width = static_cast<int32_t>(readBigEndian(bytes + kWidthOffset));
   const auto height = static_cast<int32_t>(readBigEndian(bytes + kHeightOffset));
-  const uint32_t start = readBigEndian(bytes + kPixelsOffset);
+  const uint32_t start = readBigEndian(bytes + kStartOffset);
   if (width < 1 || height < 1 || start > length) return {};
   // Counted in pixels and whole rows, since products of the sizes could overflow.
   const uint32_t pixels = (length - start) / kTripletBytes;

@@ -5,7 +5,7 @@
 namespace qrz {
 
 /// A new picture that shows the GWorld whose address is `handle`, and owns it
-/// if ByPassOwnerShip is true. Nil for 0, and if the host refuses.
+/// if ByPassOwernerShip is true. Nil for 0, and if the host refuses.
 HostPicture BuildPictureWithGWorldHandleQRZ(int32_t handle, HostBoolean ByPassOwernerShip) {
   if (handle == 0) return nullptr;
   // An integer is how programs hold the platform's pointers.

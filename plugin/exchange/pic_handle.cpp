@@ -18,8 +18,7 @@ HostPicture PicHandleQRZ(HostPicture picture) {
     service::REALLockObject(asObject(picture));
     return picture;
   }
-  PicHandle data = recordPicture(picture, description.width, description.height);
-  return data != nullptr ? pictureOwning(data) : nullptr;
+  return pictureOwning(recordPicture(picture, description.width, description.height));
 }
 
 }  // namespace qrz

@@ -26,6 +26,7 @@ PicHandle recordPicture(HostPicture picture, int32_t width, int32_t height) {
 }
 
 HostPicture pictureOwning(PicHandle data) {
+  if (data == nullptr) return nullptr;
   HostPicture picture = service::REALBuildPictureFromPicHandle(data, 1);
   if (picture == nullptr) KillPicture(data);
   return picture;

@@ -11,7 +11,8 @@ namespace qrz {
 PicHandle recordPicture(HostPicture picture, int32_t width, int32_t height);
 
 /// A new host picture that owns the PICT data, with one reference for the
-/// caller. If the host refuses, the data is disposed of: null.
+/// caller. Null for no data, and if the host refuses; then the data, which stays
+/// the caller's in that case, is disposed of.
 HostPicture pictureOwning(PicHandle data);
 
 }  // namespace qrz

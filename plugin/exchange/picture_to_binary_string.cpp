@@ -21,7 +21,7 @@ void writeHeader(uint8_t* bytes, int32_t width, int32_t height, int32_t length) 
   writeBigEndian(bytes + kWidthOffset, static_cast<uint32_t>(width));
   writeBigEndian(bytes + kHeightOffset, static_cast<uint32_t>(height));
   writeBigEndian(bytes + kDepthOffset, kBinaryStringDepth);
-  writeBigEndian(bytes + kPixelsOffset, kHeaderBytes);
+  writeBigEndian(bytes + kStartOffset, kHeaderBytes);
 }
 
 /// The string of an open picture; null if it would leave 31 bits or there is no

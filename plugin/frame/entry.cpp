@@ -27,6 +27,7 @@ void readHostVersion() {
 /// Called once by the host, before any registered member.
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(
     qrz::HostResolver hostResolver) {
+  if (hostResolver == nullptr) return;
   qrz::resolver = hostResolver;
   qrz::cpuLevel = qrz::detectCpuLevel();
   qrz::registerInterfaceVersion();

@@ -17,13 +17,21 @@ typedef uint32_t PixelWord __attribute__((aligned(1), may_alias));
 /// by side; the remaining byte is the pad (alpha or nothing).
 template <int RedShift, int GreenShift, int BlueShift, int PadShift>
 struct PixelFormat {
-  static constexpr uint32_t colourMask =
+  static constexpr uint32_t colorMask =
       (0xFFU << RedShift) | (0xFFU << GreenShift) | (0xFFU << BlueShift);
 
   static QRZ_INLINE constexpr uint32_t red(uint32_t word) { return (word >> RedShift) & 0xFF; }
   static QRZ_INLINE constexpr uint32_t green(uint32_t word) { return (word >> GreenShift) & 0xFF; }
   static QRZ_INLINE constexpr uint32_t blue(uint32_t word) { return (word >> BlueShift) & 0xFF; }
   static QRZ_INLINE constexpr uint32_t pad(uint32_t word) { return (word >> PadShift) & 0xFF; }
+
+  /// Whether red, green and blue are equal.
+  static QRZ_INLINE constexpr bool isGrey(uint32_t word) {
+    // Shifted down by a channel, the word lines up each channel with a
+    // neighbour: a grey pixel differs in neither.
+    constexpr uint32_t lowerTwo = colorMask & (colorMask >> 8);
+    return ((word ^ (word >> 8)) & lowerTwo) == 0;
+  }
 
   /// Channels 0 to 255; the pad becomes 0.
   static QRZ_INLINE constexpr uint32_t pack(uint32_t red, uint32_t green, uint32_t blue) {

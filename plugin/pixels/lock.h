@@ -24,8 +24,8 @@ class PictureLock {
     service::REALPictureClearCache(picture_.get());
   }
 
-  [[nodiscard]] int32_t width() const { return description_.description().width; }
-  [[nodiscard]] int32_t height() const { return description_.description().height; }
+  [[nodiscard]] int32_t width() const { return description_.description().columns(); }
+  [[nodiscard]] int32_t height() const { return description_.description().rows(); }
 
  protected:
   // Dropped in the reverse order: pixels, description, reference.

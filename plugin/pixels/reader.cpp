@@ -17,8 +17,8 @@ auto PictureReader<GWorldPath>::openInPlace(HostPicture picture) -> Outcome {
         picture_.share(picture);
         readerLatch = RepresentationLatch::GWorldPath;
         rows_ = {reinterpret_cast<uint8_t*>(base), GetPixRowBytes(map)};
-        width_ = description.width;
-        height_ = description.height;
+        width_ = description.columns();
+        height_ = description.rows();
         return Outcome::Open;
       }
       pixMap_.unlock();
@@ -51,8 +51,8 @@ bool PictureReader<RowTablePath>::open(HostPicture picture) {
     if (const HostBitmap* bitmap = usableBitmapWithRows(description)) {
       picture_.share(picture);
       rows_ = {bitmap->rowTable};
-      width_ = description.width;
-      height_ = description.height;
+      width_ = description.columns();
+      height_ = description.rows();
       return true;
     }
   }

@@ -30,6 +30,14 @@ class ColumnSteps {
   uint32_t rest_ = 0;
 };
 
+/// Averages fade towards 0 without reaching it, and the processor is slow with
+/// the smallest numbers. Far below what any sample adds, they count as 0: no sum
+/// with a later sample and no row differs.
+double withoutTraces(double average) {
+  constexpr double kTrace = 1e-290;
+  return average < kTrace && average > -kTrace ? 0.0 : average;
+}
+
 double weightOf(int32_t smooth) {
   const int64_t divisor = static_cast<int64_t>(smooth) + 1;
   if (divisor == 0) return std::numeric_limits<double>::infinity();
@@ -46,8 +54,8 @@ void Waveform::smooth(const SamplePairs& samples, int32_t smooth) {
   double b = samples.values[1];
   ColumnSteps steps(width_, samples.count);
   for (int32_t i = 0; i < samples.count; ++i, steps.next()) {
-    a = a * rest + samples.values[2 * i] * weight;
-    b = b * rest + samples.values[2 * i + 1] * weight;
+    a = withoutTraces(a * rest + samples.values[2 * i] * weight);
+    b = withoutTraces(b * rest + samples.values[2 * i + 1] * weight);
     if (b > peak_) peak_ = b;
     first_[steps.column()] = a;
     second_[steps.column()] = b;

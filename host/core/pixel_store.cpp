@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/standin/standin.h"
+#include "platform/standin/x555.h"
 #include "plugin/binding/description.h"
 
 namespace host {
@@ -54,13 +55,9 @@ void write24(uint8_t* row, const uint32_t* words, int32_t count) {
   }
 }
 
-/// Five bits spread over eight, so that 31 becomes 255.
-uint32_t expand5(uint32_t five) { return five << 3 | five >> 2; }
-
 void read16(uint32_t* words, const uint8_t* row, int32_t count) {
   for (int32_t x = 0; x < count; ++x, row += 2) {
-    const auto word = static_cast<uint32_t>(row[0] << 8 | row[1]);
-    words[x] = expand5(word >> 10 & 31) << 16 | expand5(word >> 5 & 31) << 8 | expand5(word & 31);
+    words[x] = standin::rgbOf555(static_cast<uint32_t>(row[0] << 8 | row[1]));
   }
 }
 

@@ -25,6 +25,18 @@ size_t literalLength(std::span<const uint8_t> bytes) {
   return length;
 }
 
+/// What a count announces, in units.
+struct Run {
+  size_t length;
+  size_t stored;  ///< the same again and again if it is one
+};
+
+Run runOf(uint8_t count) {
+  if (count == kNothing) return {0, 0};
+  if (count > kNothing) return {257U - count, 1};
+  return {count + 1U, count + 1U};
+}
+
 }  // namespace
 
 void packBits(std::span<const uint8_t> bytes, std::vector<uint8_t>& packed) {
@@ -42,26 +54,33 @@ void packBits(std::span<const uint8_t> bytes, std::vector<uint8_t>& packed) {
   }
 }
 
-bool unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> bytes) {
+bool unpackBits(std::span<const uint8_t> packed, size_t unit, std::span<uint8_t> bytes) {
   while (!bytes.empty()) {
     if (packed.size() < 2) return false;
-    const uint8_t count = packed[0];
+    const Run run = runOf(packed[0]);
     packed = packed.subspan(1);
-    if (count == kNothing) continue;
-    const bool isRun = count > kNothing;
-    const size_t length = isRun ? 257U - count : count + 1U;
-    const size_t stored = isRun ? 1 : length;
-    const size_t written = std::min(length, bytes.size());
+    const size_t stored = unit * run.stored;
+    const size_t written = std::min(unit * run.length, bytes.size());
     if (packed.size() < std::min(stored, written)) return false;
-    if (isRun) {
-      std::fill_n(bytes.begin(), written, packed[0]);
-    } else {
-      std::copy_n(packed.begin(), written, bytes.begin());
+    for (size_t i = 0; i < written; i += stored) {
+      std::copy_n(packed.begin(), std::min(stored, written - i),
+                  bytes.begin() + static_cast<ptrdiff_t>(i));
     }
     bytes = bytes.subspan(written);
     packed = packed.subspan(std::min(stored, packed.size()));
   }
   return true;
+}
+
+size_t unpackedSize(std::span<const uint8_t> packed) {
+  size_t size = 0;
+  while (!packed.empty()) {
+    const Run run = runOf(packed[0]);
+    if (packed.size() < 1 + run.stored) return 0;
+    size += run.length;
+    packed = packed.subspan(1 + run.stored);
+  }
+  return size;
 }
 
 }  // namespace standin

@@ -13,6 +13,10 @@ namespace standin {
 void packBits(std::span<const uint8_t> bytes, std::vector<uint8_t>& packed);
 
 /// Fills `bytes` and ignores what is packed beyond it; false if there is less.
-bool unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> bytes);
+/// Counts are of units of one or two bytes.
+bool unpackBits(std::span<const uint8_t> packed, size_t unit, std::span<uint8_t> bytes);
+
+/// How much is packed, in units of one byte; 0 if the last run is not whole.
+size_t unpackedSize(std::span<const uint8_t> packed);
 
 }  // namespace standin

@@ -18,21 +18,32 @@ int32_t stepOver(int32_t i, int32_t steps, int32_t length) {
 
 }  // namespace
 
-Box onCanvas(const Box& box, const Box& space, const Canvas& canvas) {
-  return {scaled(box.left - space.left, space.width(), canvas.width),
-          scaled(box.top - space.top, space.height(), canvas.height),
-          scaled(box.right - space.left, space.width(), canvas.width),
-          scaled(box.bottom - space.top, space.height(), canvas.height)};
+int32_t columnOnCanvas(int32_t x, const Box& space, const Canvas& canvas) {
+  return scaled(x - space.left, space.width(), canvas.width);
+}
+
+int32_t rowOnCanvas(int32_t y, const Box& space, const Canvas& canvas) {
+  return scaled(y - space.top, space.height(), canvas.height);
+}
+
+Box boxOnCanvas(const Box& box, const Box& space, const Canvas& canvas) {
+  return {columnOnCanvas(box.left, space, canvas), rowOnCanvas(box.top, space, canvas),
+          columnOnCanvas(box.right, space, canvas), rowOnCanvas(box.bottom, space, canvas)};
 }
 
 ScaledDrawing::ScaledDrawing(const Canvas& canvas, const Box& source, const Box& target,
-                             const Box& clip)
+                             ClipRows& clip, PictWork& work)
     : canvas_(canvas),
       source_(source),
       target_(target),
-      visible_(intersect(intersect(target, clip), {0, 0, canvas.width, canvas.height})),
+      clip_(clip),
+      visible_(intersect(target, clip.bounds())),
       nextRow_(visible_.top) {
-  if (source.isEmpty() || visible_.isEmpty()) visible_ = {};
+  if (source.isEmpty() || visible_.isEmpty()) {
+    visible_ = {};
+    return;
+  }
+  work.spend(static_cast<uint64_t>(visible_.width()) * static_cast<uint64_t>(visible_.height()));
   for (int32_t x = visible_.left; x < visible_.right; ++x) {
     sourceColumns_.push_back(source.left +
                              stepOver(x - target.left, target.width(), source.width()));
@@ -45,13 +56,20 @@ int32_t ScaledDrawing::sourceRow(int32_t y) const {
 
 void ScaledDrawing::drawRow(int32_t y, int32_t left, std::span<const uint32_t> words) {
   for (; nextRow_ < visible_.bottom && sourceRow(nextRow_) <= y; ++nextRow_) {
-    if (sourceRow(nextRow_) < y) continue;
-    uint32_t* pixel =
-        canvas_.words + static_cast<ptrdiff_t>(nextRow_) * canvas_.width + visible_.left;
-    for (const int32_t column : sourceColumns_) {
-      const auto i = static_cast<size_t>(column - left);
-      if (column >= left && i < words.size()) *pixel = words[i];
-      ++pixel;
+    if (sourceRow(nextRow_) == y) drawOnce(left, words);
+  }
+}
+
+void ScaledDrawing::drawOnce(int32_t left, std::span<const uint32_t> words) {
+  const Edges& edges = clip_.at(nextRow_);
+  uint32_t* row = canvas_.words + static_cast<ptrdiff_t>(nextRow_) * canvas_.width;
+  for (size_t i = 0; i < edges.size(); i += 2) {
+    const int32_t end = std::min(edges[i + 1], visible_.right);
+    for (int32_t x = std::max(edges[i], visible_.left); x < end; ++x) {
+      const int32_t column = sourceColumns_[static_cast<size_t>(x - visible_.left)] - left;
+      if (column >= 0 && static_cast<size_t>(column) < words.size()) {
+        row[x] = words[static_cast<size_t>(column)];
+      }
     }
   }
 }

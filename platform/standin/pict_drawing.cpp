@@ -4,44 +4,62 @@
 
 #include "platform/standin/pict_canvas.h"
 #include "platform/standin/pict_format.h"
-#include "platform/standin/pict_pixels.h"
+#include "platform/standin/pict_rows.h"
 
 namespace standin {
 namespace {
 
 constexpr int32_t kFarthestOrigin = 1 << 20;
+constexpr Box kEverywhere = {INT16_MIN, INT16_MIN, INT16_MAX, INT16_MAX};
 
 class PictDrawing {
  public:
   PictDrawing(std::span<const uint8_t> data, const Canvas& canvas)
-      : reader_(data), canvas_(canvas) {}
+      : reader_(data), canvas_(canvas), work_(canvas), clip_(regionOf(kEverywhere)) {}
 
   void draw() {
     reader_.skip(pict::kFrameOffset);
     space_ = reader_.readBox();
-    clip_ = {INT16_MIN, INT16_MIN, INT16_MAX, INT16_MAX};
-    if (reader_.read16() != pict::kVersion || reader_.read16() != pict::kVersion2) return;
-    for (uint16_t opcode = reader_.read16(); opcode != pict::kEndOfPicture;
-         opcode = reader_.read16()) {
+    readVersion();
+    for (uint16_t opcode = nextOpcode(); opcode != pict::kEndOfPicture; opcode = nextOpcode()) {
       carryOut(opcode);
-      reader_.align();
     }
   }
 
  private:
+  void readVersion() {
+    const uint16_t first = reader_.read16();
+    isVersion1_ = first == pict::kVersion1;
+    if (isVersion1_) return;
+    if (first != pict::kVersion || reader_.read16() != pict::kVersion2) throw DamagedPict();
+  }
+
+  uint16_t nextOpcode() {
+    if (isVersion1_) return reader_.read8();
+    reader_.align();
+    return reader_.read16();
+  }
+
   void carryOut(uint16_t opcode) {
     switch (opcode) {
+      case pict::kVersion:
+        return reader_.skip(isVersion1_ ? 1 : 2);
       case pict::kHeader:
         return readHeader();
       case pict::kClip:
-        clip_ = readRegion();
+        clip_ = readRegion(reader_);
         return;
       case pict::kOrigin:
         return moveOrigin();
+      case pict::kBitsRect:
+      case pict::kBitsRegion:
+        return drawPixels(PictMapKind::Unpacked, opcode == pict::kBitsRegion);
+      case pict::kPackBitsRect:
+      case pict::kPackBitsRegion:
+        return drawPixels(PictMapKind::Packed, opcode == pict::kPackBitsRegion);
       case pict::kDirectBitsRect:
-        return drawDirect(false);
       case pict::kDirectBitsRegion:
-        return drawDirect(true);
+        return drawPixels(PictMapKind::Direct, opcode == pict::kDirectBitsRegion);
       default:
         skipOpcodeData(reader_, opcode);
     }
@@ -65,34 +83,26 @@ class PictDrawing {
     }
   }
 
-  /// The box around a region; its shape is passed over.
-  Box readRegion() {
-    const uint16_t size = reader_.read16();
-    if (size < pict::kRectangularRegionSize) throw DamagedPict();
-    const Box bounds = reader_.readBox();
-    reader_.skip(size - pict::kRectangularRegionSize);
-    return bounds;
-  }
-
-  void drawDirect(bool hasRegion) {
-    const PictPixelMap map = readDirectMap(reader_);
+  void drawPixels(PictMapKind kind, bool hasMask) {
+    const PictMap map = readPictMap(reader_, kind);
     const Box source = reader_.readBox();
     const Box target = reader_.readBox();
     reader_.skip(2);  // the transfer mode: pixels are copied
-    const Box clip = hasRegion ? intersect(clip_, readRegion()) : clip_;
-    ScaledDrawing drawing(canvas_, source, onCanvas(target, space_, canvas_),
-                          onCanvas(clip, space_, canvas_));
+    const PictRegion mask = hasMask ? readRegion(reader_) : regionOf(kEverywhere);
+    ClipRows clip({&clip_, &mask}, space_, canvas_, work_);
+    ScaledDrawing drawing(canvas_, source, boxOnCanvas(target, space_, canvas_), clip, work_);
     PictRows rows(reader_, map);
-    const auto width = static_cast<size_t>(map.bounds.width());
     for (int32_t y = map.bounds.top; y < map.bounds.bottom; ++y) {
-      drawing.drawRow(y, map.bounds.left, {rows.next(), width});
+      drawing.drawRow(y, map.bounds.left, rows.next());
     }
   }
 
   PictReader reader_;
   Canvas canvas_;
+  PictWork work_;
+  bool isVersion1_ = false;
   Box space_{};  ///< what of the picture's coordinates covers the canvas
-  Box clip_{};
+  PictRegion clip_;
 };
 
 }  // namespace

@@ -1,8 +1,9 @@
-// The lengths of the opcodes of version 2.
+// The lengths of the opcodes of version 2; those of version 1 are among them, with
+// data of the same length.
 
 #include <iterator>
 
-#include "platform/standin/pict_reader.h"
+#include "platform/standin/pict_rows.h"
 
 namespace standin {
 namespace {
@@ -80,11 +81,15 @@ void skipRest(PictReader& reader, size_t size, size_t read) {
   reader.skip(size - read);
 }
 
-/// Only the kind without a pixel map has a fixed length.
+/// A pattern of one bit, and a colour that it stands for or a pixel map.
 void skipPixelPattern(PictReader& reader) {
   constexpr uint16_t kDithered = 2;
-  if (reader.read16() != kDithered) throw DamagedPict();
-  reader.skip(8 + 6);
+  const bool isDithered = reader.read16() == kDithered;
+  reader.skip(8);
+  if (isDithered) return reader.skip(6);
+  const PictMap map = readPictMap(reader, PictMapKind::Packed);
+  PictRows rows(reader, map);
+  for (int32_t y = map.bounds.top; y < map.bounds.bottom; ++y) rows.next();
 }
 
 }  // namespace

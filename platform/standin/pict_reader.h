@@ -50,8 +50,8 @@ class PictReader {
   size_t position_ = 0;
 };
 
-/// Skips the data of an opcode of version 2 that draws nothing here; throws
-/// DamagedPict if its length cannot be told.
+/// Skips the data of an opcode that draws nothing here; throws DamagedPict if its
+/// length cannot be told.
 void skipOpcodeData(PictReader& reader, uint16_t opcode);
 
 }  // namespace standin

@@ -72,9 +72,9 @@ TEST_F(CliTest, ApplyToSeveralFilesGoesOnAfterABadOne) {
   const Outcome outcome = qrz("apply self.InvertGrayQRZ " + path("a.png") + " " + path("bad.png") +
                               " " + path("b.png") + " -o " + path("out"));
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(
-      outcome.output,
-      path("bad.png") + ": is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA or PNM\n");
+  EXPECT_EQ(outcome.output,
+            path("bad.png") +
+                ": is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA, PNM or PICT\n");
   EXPECT_TRUE(fs::exists(path("out/a.png")));
   EXPECT_TRUE(fs::exists(path("out/b.png")));
   EXPECT_FALSE(fs::exists(path("out/bad.png")));
@@ -97,7 +97,7 @@ TEST_F(CliTest, FailuresSayWhatToDoAndLeaveNothing) {
              path("none.png") +
                  ": cannot be read: No such file or directory; check the name and the permissions");
   expectLine("apply self sample:colors -o " + path("out.xyz"), 2,
-             path("out.xyz") + ": unknown picture format; use .png, .jpg, .bmp or .tga");
+             path("out.xyz") + ": unknown picture format; use .png, .jpg, .bmp, .tga or .pict");
   expectLine("apply self sample:colors", 2,
              "sample:colors: the result is a picture; name its file with -o");
   expectLine("apply Nil sample:colors" + out, 1,

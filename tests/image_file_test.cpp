@@ -180,7 +180,7 @@ TEST_F(ImageFile, TellsWhyAFileCannotBeRead) {
   EXPECT_NE(readError(""), "");
   for (const std::string bytes : {"", "P", "hello, world, this is text and no picture"}) {
     EXPECT_EQ(readErrorOf(bytes),
-              "is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA or PNM");
+              "is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA, PNM or PICT");
   }
   try {
     readImage(std::string("a\0b\n", 4));
@@ -241,7 +241,7 @@ TEST_F(ImageFile, SurvivesEveryFlippedBit) {
 }
 
 TEST_F(ImageFile, TellsAnUnknownExtensionBeforeAnyWork) {
-  const std::string text = "unknown picture format; use .png, .jpg, .bmp or .tga";
+  const std::string text = "unknown picture format; use .png, .jpg, .bmp, .tga or .pict";
   for (const std::string name : {"out.xyz", "out", "dir.png/out", "out.png.", "out.gif"}) {
     EXPECT_EQ(writeError(name, Image{}), text);
     EXPECT_THROW(checkWritableFormat(name), ImageError);

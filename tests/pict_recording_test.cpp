@@ -7,8 +7,6 @@
 #include <fstream>
 
 #include "host/core/runtime.h"
-#include "host/files/picture_io.h"
-#include "tests/support/command.h"
 #include "tests/support/pict.h"
 
 namespace host {
@@ -51,20 +49,6 @@ TEST_F(PictRecordingTest, EveryRepresentationIsRecorded) {
     const auto twice = pictureOver(record(once));
     EXPECT_EQ(once->pixels(), colors(*source)) << source->describe();
     EXPECT_EQ(twice->pixels(), colors(*source)) << source->describe();
-  }
-}
-
-class PictFileTest : public FolderTest {};
-
-TEST_F(PictFileTest, PicturesOfPictDataAreSavedAndCopied) {
-  const auto source = openPicture("sample:landscape@160x90");
-  const auto picture = pictureOver(record(source));
-  savePicture(*picture, path("saved.png"));
-  EXPECT_EQ(colors(*openPicture(path("saved.png"))), colors(*source));
-  for (const Storage storage : {Storage::GWorld, Storage::Bitmap}) {
-    const auto copy = Picture::create(storage, 160, 90);
-    drawPicture(*copy, *picture, {0, 0, 160, 90, 0, 0, 160, 90});
-    EXPECT_EQ(colors(*copy), colors(*source));
   }
 }
 

@@ -30,7 +30,7 @@ std::string outputFor(const std::string& input, const std::string& output, bool 
   fs::path name = fs::path(input).filename();
   if (input.starts_with("sample:")) name = input.substr(input.find(':') + 1) + ".png";
   try {
-    checkWritableFormat(name.string());
+    checkPictureName(name.string());
   } catch (const ImageError&) {
     name.replace_extension(".png");
   }
@@ -50,7 +50,7 @@ void applyToFile(Job& job, const std::string& input, const std::string& output) 
   interpreter.setVariable("self", objectValue(openPicture(input)));
   const Value result =
       interpreter.evaluate(job.expression, job.isOneOfMany ? input + ": expression" : "expression");
-  const auto* picture = objectAs<Picture>(result);
+  auto* picture = objectAs<Picture>(result);
   if (picture == nullptr && std::holds_alternative<Nil>(result)) {
     throw Failure(kFailed, input + ": the result is nil, so there is no picture to write");
   }
@@ -113,7 +113,7 @@ int applyExpression(const std::string& expression, const std::vector<std::string
       return kFailed;
     }
     try {
-      if (!intoFolder) checkWritableFormat(output);
+      if (!intoFolder) checkPictureName(output);
     } catch (const ImageError& problem) {
       complain(problem.what());
       return kWrongUsage;

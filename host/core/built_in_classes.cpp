@@ -65,6 +65,14 @@ void addPicture(Registry& registry) {
 
 Picture& target(Object* self) { return as<Graphics>(self).picture(); }
 
+/// The picture, to draw into it.
+Picture& canvas(Object* self) {
+  Picture& picture = target(self);
+  if (picture.store().isWritable()) return picture;
+  raise("UnsupportedOperationException",
+        "A picture of PICT data cannot be drawn into; draw it into a new picture, and into that.");
+}
+
 Member penProperty(const char* declaration, int32_t Pen::*field) {
   return property(
       declaration, [field](Object* self) { return target(self).pen.*field; },
@@ -82,7 +90,7 @@ const Picture& pictureArgument(Arguments arguments) {
 
 Value drawWhole(Object* self, Arguments arguments) {
   const Picture& source = pictureArgument(arguments);
-  drawPicture(target(self), source,
+  drawPicture(canvas(self), source,
               {integer(arguments[1]), integer(arguments[2]), source.width(), source.height(), 0, 0,
                source.width(), source.height()});
   return Nil{};
@@ -90,7 +98,7 @@ Value drawWhole(Object* self, Arguments arguments) {
 
 Value drawPart(Object* self, Arguments arguments) {
   const auto at = [&arguments](size_t i) { return integer(arguments[i]); };
-  drawPicture(target(self), pictureArgument(arguments),
+  drawPicture(canvas(self), pictureArgument(arguments),
               {at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8)});
   return Nil{};
 }
@@ -119,19 +127,19 @@ void addGraphics(Registry& registry) {
             return Color{target(self).pixel(integer(arguments[0]), integer(arguments[1]))};
           },
           [](Object* self, Arguments arguments, const Value& value) {
-            target(self).fill(integer(arguments[0]), integer(arguments[1]), 1, 1,
+            canvas(self).fill(integer(arguments[0]), integer(arguments[1]), 1, 1,
                               std::get<Color>(value).rgb);
           }),
       method("FillRect(x as integer, y as integer, width as integer, height as integer)",
              [](Object* self, Arguments arguments) -> Value {
-               target(self).fill(integer(arguments[0]), integer(arguments[1]),
+               canvas(self).fill(integer(arguments[0]), integer(arguments[1]),
                                  integer(arguments[2]), integer(arguments[3]),
                                  target(self).pen.color);
                return Nil{};
              }),
       method("DrawLine(x1 as integer, y1 as integer, x2 as integer, y2 as integer)",
              [](Object* self, Arguments arguments) -> Value {
-               drawLine(target(self), integer(arguments[0]), integer(arguments[1]),
+               drawLine(canvas(self), integer(arguments[0]), integer(arguments[1]),
                         integer(arguments[2]), integer(arguments[3]));
                return Nil{};
              }),

@@ -11,6 +11,8 @@ namespace host {
 namespace {
 
 constexpr uint32_t kWhite = 0x00FFFFFF;
+/// Pixels; more would not fit in a 32-bit process with a copy of them.
+constexpr uint64_t kLargestDrawn = uint64_t{1} << 28;
 
 class PictStore final : public PixelStore {
  public:
@@ -32,6 +34,7 @@ class PictStore final : public PixelStore {
     const auto start = static_cast<ptrdiff_t>(run.y) * width_ + run.x;
     std::copy_n(drawn_.begin() + start, run.count, words);
   }
+  [[nodiscard]] bool isWritable() const override { return false; }
   void write(const Run& /*run*/, const uint32_t* /*words*/) override {}
   /// The data may have been changed.
   std::unique_ptr<PixelStore> afterChange() override {
@@ -47,7 +50,7 @@ class PictStore final : public PixelStore {
 
   void draw() const {
     const uint64_t size = static_cast<uint64_t>(width_) * static_cast<uint64_t>(height_);
-    if (size > drawn_.max_size()) throw std::bad_alloc();
+    if (size > kLargestDrawn) throw std::bad_alloc();
     std::vector<uint32_t> words(static_cast<size_t>(size), kWhite);
     standin::drawPict(bytes(), {words.data(), width_, height_});
     drawn_ = std::move(words);

@@ -40,6 +40,8 @@ class PixelStore {
   [[nodiscard]] virtual int32_t height() const = 0;
   [[nodiscard]] virtual int32_t depth() const { return 32; }
 
+  /// Whether what is written shows.
+  [[nodiscard]] virtual bool isWritable() const { return true; }
   /// The run lies inside the picture; `words` holds its count of words.
   virtual void read(const Run& run, uint32_t* words) const = 0;
   virtual void write(const Run& run, const uint32_t* words) = 0;

@@ -7,6 +7,7 @@
 
 #include "host/core/instance.h"
 #include "host/core/memory_block.h"
+#include "host/core/pict_recording.h"
 #include "host/core/picture.h"
 #include "host/core/plugin_classes.h"
 #include "host/core/runtime.h"
@@ -210,13 +211,23 @@ uint8_t setPropValueInt(void* handle, const char* name, int32_t value) {
 
 // --- Drawing -----------------------------------------------------------------
 
+/// Draws nothing, or not all, without memory: an exception must not pass through a
+/// plug-in.
+void tryToDraw(Picture& destination, const Picture& source, const Placement& placement) {
+  try {
+    drawPicture(destination, source, placement);
+  } catch (const std::bad_alloc&) {
+    return;
+  }
+}
+
 void graphicsDrawPicture(void* graphicsHandle, void* pictureHandle, int32_t x, int32_t y, int32_t w,
                          int32_t h, int32_t sx, int32_t sy, int32_t sw, int32_t sh) {
   called("DrawPicture");
   auto* graphics = checked<Graphics>(graphicsHandle, "DrawPicture");
   auto* picture = checked<Picture>(pictureHandle, "DrawPicture");
   if (graphics == nullptr || picture == nullptr) return;
-  drawPicture(graphics->picture(), *picture, {x, y, w, h, sx, sy, sw, sh});
+  tryToDraw(graphics->picture(), *picture, {x, y, w, h, sx, sy, sw, sh});
 }
 
 void* loadObjectMethod(void* handle, const char* declaration) {
@@ -234,25 +245,6 @@ void graphicsDrawLine(void* handle, int32_t x1, int32_t y1, int32_t x2, int32_t 
   }
 }
 
-/// All of a picture in a rectangle.
-Placement placementIn(const Rect& rect, const Picture& picture) {
-  return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-          0,         0,        picture.width(),        picture.height()};
-}
-
-/// Records the picture as it looks on white.
-void recordPicture(const Picture& picture, const Rect& rect) {
-  standin::recordPixels(rect, [&](int32_t x, int32_t y, int32_t count, uint32_t* words) {
-    const auto line = Picture::create(Storage::Bitmap, count, 1);
-    if (!line) throw std::bad_alloc();
-    Placement placement = placementIn(rect, picture);
-    placement.x = -x;
-    placement.y = -y;
-    drawPicture(*line, picture, placement);
-    line->store().read({0, 0, count}, words);
-  });
-}
-
 /// Into the current port, if it has pixels, or into the open recording.
 void drawPrimitive(void* handle, const Rect* rect, int32_t /*zero*/) {
   called("drawPicturePrimitive");
@@ -264,7 +256,7 @@ void drawPrimitive(void* handle, const Rect* rect, int32_t /*zero*/) {
   GetGWorld(&port, &device);
   if (standin::pixelsOf(port).base == nullptr) return;
   const auto target = makeObject<Picture>(gworldStore(port, false));
-  drawPicture(*target, *picture, placementIn(*rect, *picture));
+  tryToDraw(*target, *picture, placementIn(*rect, *picture));
 }
 
 // --- Pictures ----------------------------------------------------------------

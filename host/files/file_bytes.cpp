@@ -144,4 +144,13 @@ void writeFile(const std::string& path, std::span<const uint8_t> bytes) {
   file.moveTo(target);
 }
 
+std::string extensionOf(const std::string& path) {
+  const size_t slash = path.rfind('/');
+  const size_t dot = path.rfind('.');
+  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return "";
+  std::string extension = path.substr(dot);
+  for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return extension;
+}
+
 }  // namespace host

@@ -17,4 +17,7 @@ std::vector<uint8_t> readFile(const std::string& path);
 /// cannot be written; nothing is left behind then, and an existing file stays as it was.
 void writeFile(const std::string& path, std::span<const uint8_t> bytes);
 
+/// The end of the name from its last dot on, in lower case; empty without one.
+std::string extensionOf(const std::string& path);
+
 }  // namespace host

@@ -25,6 +25,10 @@ class ImageError : public std::runtime_error {
 /// larger than 128 megapixels, 1000000 pixels a side, or the memory at hand.
 Image readImage(const std::string& path);
 
+/// The two halves of readImage, for files that may hold something else.
+std::vector<uint8_t> readPictureFile(const std::string& path);
+Image decodeImage(const std::string& path, const std::vector<uint8_t>& bytes);
+
 /// Writes a PNG, JPEG (quality 95), BMP or TGA file, by the extension .png, .jpg, .jpeg, .bmp or
 /// .tga in upper or lower case. Alpha is written if hasAlpha, but never to JPEG.
 /// The file appears under its name only when it is complete; an existing file keeps its

@@ -105,8 +105,8 @@ Image decode(PictureFormat format, const Bytes& bytes) {
 Image decodeAny(const Bytes& bytes) {
   const PictureFormat format = detectFormat(bytes);
   const std::string name(formatName(format));
-  if (format == PictureFormat::kUnknown) {
-    throw FileFault("is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA or PNM");
+  if (format == PictureFormat::kUnknown || format == PictureFormat::kPict) {
+    throw FileFault("is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA, PNM or PICT");
   }
   try {
     return format == PictureFormat::kPnm ? readPnm(bytes) : decode(format, bytes);
@@ -118,9 +118,21 @@ Image decodeAny(const Bytes& bytes) {
 
 }  // namespace
 
-Image readImage(const std::string& path) {
+std::vector<uint8_t> readPictureFile(const std::string& path) {
   try {
-    return decodeAny(readFile(path));
+    return readFile(path);
+  } catch (const FileFault& fault) {
+    throw imageError(path, fault.what());
+  } catch (const std::bad_alloc&) {
+    throw imageError(path, kTooLargeForMemory);
+  }
+}
+
+Image readImage(const std::string& path) { return decodeImage(path, readPictureFile(path)); }
+
+Image decodeImage(const std::string& path, const std::vector<uint8_t>& bytes) {
+  try {
+    return decodeAny(bytes);
   } catch (const FileFault& fault) {
     throw imageError(path, fault.what());
   } catch (const std::bad_alloc&) {

@@ -4,7 +4,6 @@
 #include <memory>
 #include <new>
 #include <optional>
-#include <utility>
 
 #include "host/files/file_bytes.h"
 #include "host/files/file_fault.h"
@@ -23,17 +22,8 @@ constexpr const char* kOutOfMemory =
 
 enum class WritableFormat { kPng, kJpeg, kBmp, kTga };
 
-std::string lowerExtension(const std::string& path) {
-  const size_t slash = path.rfind('/');
-  const size_t dot = path.rfind('.');
-  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return "";
-  std::string extension = path.substr(dot);
-  for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return extension;
-}
-
 std::optional<WritableFormat> writableFormat(const std::string& path) {
-  const std::string extension = lowerExtension(path);
+  const std::string extension = extensionOf(path);
   if (extension == ".png") return WritableFormat::kPng;
   if (extension == ".jpg" || extension == ".jpeg") return WritableFormat::kJpeg;
   if (extension == ".bmp") return WritableFormat::kBmp;
@@ -139,7 +129,7 @@ Bytes encode(WritableFormat format, const Image& image) {
 
 void checkWritableFormat(const std::string& path) {
   if (!writableFormat(path)) {
-    throw imageError(path, "unknown picture format; use .png, .jpg, .bmp or .tga");
+    throw imageError(path, "unknown picture format; use .png, .jpg, .bmp, .tga or .pict");
   }
 }
 

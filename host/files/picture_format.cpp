@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/files/byte_reader.h"
+#include "host/files/pict_file.h"
 #include "host/files/picture_limits.h"
 
 namespace host {
@@ -279,12 +280,14 @@ bool startsWith(Bytes bytes, std::string_view text) {
 }  // namespace
 
 std::string_view formatName(PictureFormat format) {
-  constexpr std::array<std::string_view, 7> kNames = {"",    "PNG", "JPEG", "BMP",
-                                                      "GIF", "TGA", "PNM"};
+  constexpr std::array<std::string_view, 8> kNames = {"",    "PNG", "JPEG", "BMP",
+                                                      "GIF", "TGA", "PNM",  "PICT"};
   return kNames[static_cast<size_t>(format)];
 }
 
 PictureFormat detectFormat(Bytes bytes) {
+  // Its first bytes are a part of its size and may be those of any other format.
+  if (startsWithPict(bytes)) return PictureFormat::kPict;
   if (bytes.size() >= kPngSignature.size() &&
       std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin())) {
     return PictureFormat::kPng;
@@ -297,6 +300,7 @@ PictureFormat detectFormat(Bytes bytes) {
   if (bytes.size() >= 3 && bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '6') {
     return PictureFormat::kPnm;
   }
+  if (pictDataIn(bytes)) return PictureFormat::kPict;
   return looksLikeTga(bytes) ? PictureFormat::kTga : PictureFormat::kUnknown;
 }
 
@@ -313,8 +317,9 @@ void checkStructure(PictureFormat format, Bytes bytes) {
     case PictureFormat::kTga:
       return checkTga(bytes);
     case PictureFormat::kPnm:
+    case PictureFormat::kPict:
     case PictureFormat::kUnknown:
-      return;  // the one is read by our own reader, the other not at all
+      return;  // read by readers of our own, or not at all
   }
 }
 

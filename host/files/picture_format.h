@@ -7,7 +7,7 @@
 
 namespace host {
 
-enum class PictureFormat { kUnknown, kPng, kJpeg, kBmp, kGif, kTga, kPnm };
+enum class PictureFormat { kUnknown, kPng, kJpeg, kBmp, kGif, kTga, kPnm, kPict };
 
 /// The format's usual name, as in "PNG"; never of kUnknown.
 std::string_view formatName(PictureFormat format);

@@ -1,12 +1,19 @@
 #include "host/files/picture_io.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 
 #include "host/core/exception.h"
+#include "host/core/pict_recording.h"
 #include "host/core/runtime.h"
 #include "host/files/image_file.h"
+#include "host/files/pict_file.h"
+#include "host/files/file_fault.h"
+#include "host/files/picture_format.h"
+#include "host/files/picture_limits.h"
 #include "host/gallery/samples.h"
+#include "platform/standin/standin.h"
 
 namespace host {
 namespace {
@@ -44,8 +51,38 @@ Image drawSample(const std::string& path) {
   throw ImageError(path + ": no such sample picture; there are " + known);
 }
 
-Image readAny(const std::string& path) {
-  return path.starts_with(kSamplePrefix) ? drawSample(path) : readImage(path);
+/// A picture that holds PICT data, of the size of its frame and without a mask.
+Ref<Picture> pictureOfPict(const std::string& path, std::span<const uint8_t> data) {
+  const Rect frame = standin::pictFrame(data);
+  try {
+    checkSize(static_cast<uint64_t>(std::max(frame.right - frame.left, 0)),
+              static_cast<uint64_t>(std::max(frame.bottom - frame.top, 0)));
+  } catch (const FileFault& fault) {
+    throw imageError(path, fault.what());
+  }
+  Handle handle = nullptr;
+  if (PtrToHand(data.data(), &handle, static_cast<long>(data.size())) != 0) return nullptr;
+  return makeObject<Picture>(pictStore(handle));
+}
+
+Ref<Picture> openFile(const std::string& path) {
+  if (path.starts_with(kSamplePrefix)) return pictureOf(drawSample(path));
+  const auto bytes = readPictureFile(path);
+  const bool isPict = detectFormat(bytes) == PictureFormat::kPict;
+  if (isPict) return pictureOfPict(path, *pictDataIn(bytes));
+  return pictureOf(decodeImage(path, bytes));
+}
+
+void saveAsPict(Picture& picture, const std::string& path) {
+  try {
+    const auto data = pictDataOf(picture);
+    if (data.empty()) {
+      throw FileFault("more than 32767 pixels a side do not fit this format; use .png or .bmp");
+    }
+    writePict(path, data);
+  } catch (const FileFault& fault) {
+    throw imageError(path, fault.what());
+  }
 }
 
 }  // namespace
@@ -82,7 +119,7 @@ Ref<Picture> pictureOf(const Image& image) {
 
 Ref<Picture> openPicture(const std::string& path) {
   try {
-    if (auto picture = pictureOf(readAny(path))) return picture;
+    if (auto picture = openFile(path)) return picture;
     throw std::bad_alloc();
   } catch (const ImageError& error) {
     raise("IOException", error.what());
@@ -91,8 +128,13 @@ Ref<Picture> openPicture(const std::string& path) {
   }
 }
 
-void savePicture(const Picture& picture, const std::string& path) {
+void checkPictureName(const std::string& path) {
+  if (!isPictName(path)) checkWritableFormat(path);
+}
+
+void savePicture(Picture& picture, const std::string& path) {
   try {
+    if (isPictName(path)) return saveAsPict(picture, path);
     writeImage(path, imageOf(picture));
   } catch (const ImageError& error) {
     raise("IOException", error.what());

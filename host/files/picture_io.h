@@ -16,12 +16,16 @@ Image imageOf(const Picture& picture);
 Ref<Picture> pictureOf(const Image& image);
 
 /// Opens a picture file, or draws the built-in sample picture of a name such as
-/// "sample:landscape" or, in another size, "sample:landscape@4000x3000". Raises an IOException with
-/// one clear line.
+/// "sample:landscape" or, in another size, "sample:landscape@4000x3000". A PICT file
+/// becomes a picture that holds its data. Raises an IOException with one clear line.
 Ref<Picture> openPicture(const std::string& path);
 
-/// Writes a picture file of the kind that the extension names. Raises an
+/// Throws an ImageError unless savePicture knows the extension.
+void checkPictureName(const std::string& path);
+
+/// Writes a picture file of the kind that the extension names; to .pict and .pct, the
+/// data of a picture that holds some, or what is recorded of it on white. Raises an
 /// IOException with one clear line, and leaves no half-written file.
-void savePicture(const Picture& picture, const std::string& path);
+void savePicture(Picture& picture, const std::string& path);
 
 }  // namespace host

@@ -38,6 +38,8 @@ Bytes rowsOf(const Bits& bits) {
   return rows.put16(0x7FFF).bytes();
 }
 
+void putFrame(PictLayout& layout) { layout.putBox(kTop, kLeft, kTop + kHeight, kLeft + kWidth); }
+
 class PictRegionTest : public PictTest {
  protected:
   Bits randomBits() {
@@ -55,7 +57,8 @@ class PictRegionTest : public PictTest {
   /// Puts a region around the frame with these rows.
   static void putRegion(PictLayout& layout, const Bytes& rows) {
     layout.put16(static_cast<uint32_t>(10 + rows.size()));
-    layout.putBox(kTop, kLeft, kTop + kHeight, kLeft + kWidth).put(rows);
+    putFrame(layout);
+    layout.put(rows);
   }
 
   /// Random pixels that fill the frame.
@@ -67,9 +70,10 @@ class PictRegionTest : public PictTest {
     layout.start(kTop, kLeft, kTop + kHeight, kLeft + kWidth).putOpcode(0x01);
     putRegion(layout, clip);
     layout.putOpcode(pixels.opcode);
-    putMap(layout, pixels, 4 * kWidth, 0, 0, values, {}, false);
-    layout.putBox(0, 0, kHeight, kWidth);
-    layout.putBox(kTop, kLeft, kTop + kHeight, kLeft + kWidth).put16(0);
+    putMap(layout, pixels, 4 * kWidth, kTop, kLeft, values, {}, false);
+    putFrame(layout);  // from the map's coordinates
+    putFrame(layout);  // to the same of the picture
+    layout.put16(0);
     putRegion(layout, mask);
     putRows(layout, pixels, 4 * kWidth, values, random);
     return layout.finish();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/core/runtime.h"
 #include "tests/support/pict.h"
 
 namespace host {
@@ -157,6 +158,27 @@ TEST_F(PictDrawingTest, DamagedDataIsDrawnSomehow) {
     EXPECT_LE(pictureOver(reinterpret_cast<PicHandle>(handle))->width(), 65535);
   }
 }
+
+#ifndef __SANITIZE_ADDRESS__
+/// An exception could not pass through the plug-in.
+TEST_F(PictDrawingTest, WithoutMemoryADrawForThePluginIsLeftUndone) {
+  PicHandle data = startRecording(5000, 5000);
+  ClosePicture();
+  const auto picture = pictureOver(data);
+  const auto copy = pictureOf(2, 1, {kRed, kGreen});
+  const auto graphics = makeObject<Graphics>(copy);
+  using Draw =
+      void(void*, void*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t);
+  auto* draw = reinterpret_cast<Draw*>(resolveService("RuntimeGraphicsDrawPicture"));
+  {
+    const TightMemory tight(50 << 20);
+    draw(graphics.get(), picture.get(), 0, 0, 2, 1, 0, 0, 2, 1);
+  }
+  EXPECT_EQ(copy->pixels(), (Words{kRed, kGreen}));
+  draw(graphics.get(), picture.get(), 0, 0, 2, 1, 0, 0, 2, 1);
+  EXPECT_EQ(copy->pixels(), Words(2, kWhite));
+}
+#endif
 
 }  // namespace
 }  // namespace host

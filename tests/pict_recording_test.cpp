@@ -1,10 +1,7 @@
 // PICT data as it is recorded: round trips, its layout, and what is refused.
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 
 #include "host/core/runtime.h"
 #include "tests/support/pict.h"
@@ -199,14 +196,11 @@ TEST_F(PictRecordingTest, NoMemoryGivesAnEmptyFrame) {
 #ifndef __SANITIZE_ADDRESS__
 TEST_F(PictRecordingTest, HandlesThatCannotGrow) {
   const auto source = randomPicture(4000, 1000);
-  long pages = 0;
-  std::ifstream("/proc/self/statm") >> pages;
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
-  const rlimit tight{static_cast<rlim_t>(pages) * 4096 + (8 << 20), before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
-  PicHandle data = record(source);
-  setrlimit(RLIMIT_AS, &before);
+  PicHandle data = nullptr;
+  {
+    const TightMemory tight(8 << 20);
+    data = record(source);
+  }
   ASSERT_NE(data, nullptr);
   EXPECT_EQ(pictureOver(data)->describe(), "Picture 0x0 (PICT data)");
 }

@@ -162,7 +162,7 @@ TEST_F(PictDrawingTest, DamagedDataIsDrawnSomehow) {
 #ifndef __SANITIZE_ADDRESS__
 /// An exception could not pass through the plug-in.
 TEST_F(PictDrawingTest, WithoutMemoryADrawForThePluginIsLeftUndone) {
-  PicHandle data = startRecording(5000, 5000);
+  PicHandle data = startRecording(4000, 5000);
   ClosePicture();
   const auto picture = pictureOver(data);
   const auto copy = pictureOf(2, 1, {kRed, kGreen});

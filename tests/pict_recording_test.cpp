@@ -21,8 +21,7 @@ TEST_F(PictRecordingTest, RecordedPicturesShowTheSamePixels) {
       {"runs", [&] { return random() % 4 == 0 ? last = random() & 0x00FF00FF : last; }},
       {"short runs", [&] { return random() % 3 != 0 ? last = random() & 0x03010201 : last; }},
   };
-  for (const int32_t width :
-       {1, 2, 3, 42, 43, 62, 63, 66, 67, 83, 84, 200, 4095, 4096, 5000, 8190, 8191, 32767}) {
+  for (const int32_t width : {1, 2, 3, 42, 43, 62, 63, 66, 67, 83, 84, 200, 4000, 4095}) {
     for (const auto& [kind, pixel] : kinds) {
       const auto source = filled(width, 3, pixel);
       const auto picture = pictureOver(record(source));
@@ -121,15 +120,12 @@ TEST_F(PictRecordingTest, WideRowsAreCountedInWords) {
                     hex("0004 81 77 C4 77 00FF")}));
 }
 
-TEST_F(PictRecordingTest, VeryWidePicturesAreMapsSideBySide) {
-  Words words(4096, 0x00555555);
-  words.back() = 0x00123456;
+TEST_F(PictRecordingTest, TheWidestRow) {
   std::string row;  // 12285 equal bytes
   for (int i = 0; i < 95; ++i) row += "81 55";
-  EXPECT_EQ(recordedBytes(pictureOf(4096, 1, words)),
-            joined({headerOf("01 88", "0001 1000"), mapOf("BFFC", "0000 0000 0001 0FFF"),
-                    hex("00C0" + row + "84 55"), mapOf("8004", "0000 0FFF 0001 1000"),
-                    hex("00123456 00FF")}));
+  EXPECT_EQ(recordedBytes(pictureOf(4095, 1, Words(4095, 0x00555555))),
+            joined({headerOf("01 3E", "0001 0FFF"), mapOf("BFFC", "0000 0000 0001 0FFF"),
+                    hex("00C0" + row + "84 55"), hex("00FF")}));
 }
 
 TEST_F(PictRecordingTest, TheSizeIsThatOfTheHandle) {
@@ -146,7 +142,7 @@ TEST_F(PictRecordingTest, RecordingsThatCannotBe) {
   standin::recordPixels({0, 0, 1, 1}, [](int32_t, int32_t, int32_t, uint32_t*) { FAIL(); });
   EXPECT_EQ(OpenCPicture(nullptr), nullptr);
   for (const auto& [width, height] :
-       {std::pair{0, 5}, {5, 0}, {32768, 5}, {5, 40000}, {65536, 1}}) {
+       {std::pair{0, 5}, {5, 0}, {4096, 5}, {32768, 5}, {5, 40000}, {65536, 1}}) {
     EXPECT_EQ(startRecording(width, height), nullptr) << width << " x " << height;
   }
   const auto refused = [](const std::function<void(OpenCPicParams&)>& change) {

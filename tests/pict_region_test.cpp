@@ -155,5 +155,28 @@ TEST_F(PictRegionTest, ClipsOfManyEdgesAreLimited) {
                           [](uint32_t word) { return word == kWhite || word < 10; }));
 }
 
+/// One column drawn again and again behind a clip of many edges.
+TEST_F(PictRegionTest, ColumnsBehindManyEdgesAreLimited) {
+  constexpr int kSize = 4000;
+  PictLayout rows(1);
+  for (const int y : {0, kSize}) {
+    rows.put16(static_cast<uint32_t>(y));
+    for (uint32_t x = 0; x < kSize; ++x) rows.put16(x);
+    rows.put16(0x7FFF);
+  }
+  rows.put16(0x7FFF);
+  PictLayout layout(2);
+  layout.start(0, 0, kSize, kSize).putOpcode(0x01);
+  layout.put16(static_cast<uint32_t>(10 + rows.bytes().size()));
+  layout.putBox(0, 0, kSize, kSize).put(rows.bytes());
+  for (int i = 0; i < 100000; ++i) {
+    layout.putOpcode(0x90).put16(2).putBox(0, 0, 1, 1).putBox(0, 0, 1, 1);
+    layout.putBox(0, kSize - 2, kSize, kSize).put16(0).put16(0x8000);
+  }
+  const Words words = drawn(layout.finish(), kSize, kSize);
+  EXPECT_EQ(words[kSize - 2], 0U) << "between an even and an odd edge";
+  EXPECT_EQ(words[kSize - 1], kWhite);
+}
+
 }  // namespace
 }  // namespace host

@@ -39,7 +39,10 @@ std::vector<uint8_t> pictDataOf(Picture& picture) {
   if (picture.store().type() == qrz::kPictData && !picture.mask) {
     return bytesOf(static_cast<Handle>(picture.store().data()));
   }
-  if (picture.width() > INT16_MAX || picture.height() > INT16_MAX) return {};
+  if (picture.width() > standin::kWidestRecording ||
+      picture.height() > standin::kTallestRecording) {
+    return {};
+  }
   const Rect frame = {0, 0, static_cast<int16_t>(picture.height()),
                       static_cast<int16_t>(picture.width())};
   const OpenCPicParams parameters = {frame, k72Dpi, k72Dpi, kExtendedVersion, 0, 0};

@@ -23,24 +23,29 @@ bool hasVersion(Bytes data, Bytes version) {
          std::ranges::equal(data.subspan(kVersionOffset, version.size()), version);
 }
 
-/// Two bytes alone say little, so there has to be a frame as well.
-bool startsWithVersion1(Bytes data) {
-  if (!hasVersion(data, kVersion1)) return false;
+bool hasFrame(Bytes data) {
   const Rect frame = standin::pictFrame(data);
   return frame.left < frame.right && frame.top < frame.bottom;
 }
 
+/// The data at the start of a file or behind its header.
+std::optional<Bytes> dataOf(Bytes bytes, Bytes version) {
+  for (const Bytes data : {bytes, bytes.subspan(std::min(bytes.size(), kHeaderSize))}) {
+    if (hasVersion(data, version) && hasFrame(data)) return data;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
-bool startsWithPict(Bytes bytes) { return hasVersion(bytes, kVersion2); }
+bool holdsPictVersion2(Bytes bytes) {
+  return hasVersion(bytes, kVersion2) || dataOf(bytes, kVersion2);
+}
 
 std::optional<Bytes> pictDataIn(Bytes bytes) {
-  if (startsWithPict(bytes)) return bytes;
-  const Bytes behind = bytes.subspan(std::min(bytes.size(), kHeaderSize));
-  if (startsWithPict(behind)) return behind;
-  if (startsWithVersion1(bytes)) return bytes;
-  if (startsWithVersion1(behind)) return behind;
-  return std::nullopt;
+  if (const auto data = dataOf(bytes, kVersion2)) return data;
+  if (hasVersion(bytes, kVersion2)) return bytes;  // without pixels
+  return dataOf(bytes, kVersion1);
 }
 
 bool isPictName(const std::string& path) {

@@ -10,7 +10,7 @@
 namespace host {
 
 /// True for PICT data of version 2, which hardly anything else can be.
-bool startsWithPict(std::span<const uint8_t> bytes);
+bool holdsPictVersion2(std::span<const uint8_t> bytes);
 
 /// The PICT data in the bytes of a file that is of no format with a signature at
 /// its start; nothing if there is none.

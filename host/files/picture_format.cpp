@@ -286,8 +286,9 @@ std::string_view formatName(PictureFormat format) {
 }
 
 PictureFormat detectFormat(Bytes bytes) {
-  // Its first bytes are a part of its size and may be those of any other format.
-  if (startsWithPict(bytes)) return PictureFormat::kPict;
+  // Its first bytes are a part of its size, or anybody's header, and may be those
+  // of any other format.
+  if (holdsPictVersion2(bytes)) return PictureFormat::kPict;
   if (bytes.size() >= kPngSignature.size() &&
       std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin())) {
     return PictureFormat::kPng;

@@ -77,7 +77,9 @@ void saveAsPict(Picture& picture, const std::string& path) {
   try {
     const auto data = pictDataOf(picture);
     if (data.empty()) {
-      throw FileFault("more than 32767 pixels a side do not fit this format; use .png or .bmp");
+      throw FileFault(
+          "more than 4095 pixels across or 32767 down do not fit this format; use .png or "
+          ".bmp");
     }
     writePict(path, data);
   } catch (const FileFault& fault) {

@@ -63,7 +63,10 @@ void ScaledDrawing::drawRow(int32_t y, int32_t left, std::span<const uint32_t> w
 void ScaledDrawing::drawOnce(int32_t left, std::span<const uint32_t> words) {
   const Edges& edges = clip_.at(nextRow_);
   uint32_t* row = canvas_.words + static_cast<ptrdiff_t>(nextRow_) * canvas_.width;
-  for (size_t i = 0; i < edges.size(); i += 2) {
+  // From the stretch on that ends right of the first visible column.
+  const auto first = std::ranges::upper_bound(edges, visible_.left) - edges.begin();
+  for (auto i = static_cast<size_t>(first) / 2 * 2; i < edges.size() && edges[i] < visible_.right;
+       i += 2) {
     const int32_t end = std::min(edges[i + 1], visible_.right);
     for (int32_t x = std::max(edges[i], visible_.left); x < end; ++x) {
       const int32_t column = sourceColumns_[static_cast<size_t>(x - visible_.left)] - left;

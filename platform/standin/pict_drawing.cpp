@@ -93,6 +93,7 @@ class PictDrawing {
     ScaledDrawing drawing(canvas_, source, boxOnCanvas(target, space_, canvas_), clip, work_);
     PictRows rows(reader_, map);
     for (int32_t y = map.bounds.top; y < map.bounds.bottom; ++y) {
+      work_.spend(static_cast<uint64_t>(map.bounds.width()));
       drawing.drawRow(y, map.bounds.left, rows.next());
     }
   }

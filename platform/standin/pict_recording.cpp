@@ -18,11 +18,10 @@ struct Recording {
 Recording recording{};
 
 constexpr int16_t kParametersVersion = -2;
-constexpr int32_t kLargestSize = 32767;
 constexpr long kEndSize = 2;
 
 bool isTooLarge(const Box& box) {
-  return box.width() > kLargestSize || box.height() > kLargestSize;
+  return box.width() > kWidestRecording || box.height() > kTallestRecording;
 }
 
 /// A coordinate at 72 pixels per inch, rounded.
@@ -58,6 +57,7 @@ bool isRecording() { return recording.data != nullptr; }
 void recordPixels(const Rect& place, const ReadRow& readRow) {
   const Box box = boxOf(place);
   if (!isRecording() || recording.failed || box.isEmpty()) return;
+  if (isTooLarge(box)) return fail();
   const long before = sizeOf(recording.data) - kEndSize;
   resizeHandle(recording.data, before);
   PictWriter writer(recording.data);

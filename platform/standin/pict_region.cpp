@@ -78,7 +78,7 @@ bool RegionRows::advanceTo(int32_t y) {
 
 ClipRows::ClipRows(const std::vector<const PictRegion*>& regions, const Box& space,
                    const Canvas& canvas, PictWork& work)
-    : bounds_{0, 0, canvas.width, canvas.height} {
+    : work_(work), bounds_{0, 0, canvas.width, canvas.height} {
   for (const PictRegion* region : regions) {
     regions_.emplace_back(*region, space, canvas, work);
     bounds_ = intersect(bounds_, boxOnCanvas(region->bounds, space, canvas));
@@ -90,7 +90,10 @@ const Edges& ClipRows::at(int32_t y) {
   for (RegionRows& region : regions_) isOther = region.advanceTo(y) || isOther;
   if (!isOther) return edges_;
   edges_ = {bounds_.left, bounds_.right};
-  for (const RegionRows& region : regions_) edges_ = intersectionOf(edges_, region.edges());
+  for (const RegionRows& region : regions_) {
+    work_.spend(edges_.size() + region.edges().size());
+    edges_ = intersectionOf(edges_, region.edges());
+  }
   return edges_;
 }
 

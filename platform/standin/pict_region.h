@@ -62,6 +62,7 @@ class ClipRows {
   const Edges& at(int32_t y);
 
  private:
+  PictWork& work_;
   std::vector<RegionRows> regions_;
   Box bounds_;
   Edges edges_;

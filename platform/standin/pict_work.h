@@ -6,10 +6,10 @@
 
 namespace standin {
 
-/// Reading takes time in proportion to the data, but a few bytes can cover the
-/// canvas or lead a clip of many edges over it again and again. So what is drawn
-/// is counted, in pixels and edges, and more than any sensible picture needs
-/// counts as damage.
+/// Skipping takes time in proportion to the data, but a few bytes can unpack to
+/// long rows, cover the canvas, or lead a clip of many edges over it, again and
+/// again. So what is unpacked and drawn is counted, in pixels and edges, and more
+/// than any sensible picture needs counts as damage.
 class PictWork {
  public:
   explicit PictWork(const Canvas& canvas)

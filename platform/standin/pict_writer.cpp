@@ -62,7 +62,7 @@ void putPictHeader(PictWriter& writer, const OpenCPicParams& parameters, const B
 namespace {
 
 constexpr int32_t kPixelBytes = 4;
-constexpr int32_t kWidestMap = (pict::kRowBytesLimit - 1) / kPixelBytes;
+static_assert(kWidestRecording == (pict::kRowBytesLimit - 1) / kPixelBytes);
 constexpr uint16_t kComponents = 3;
 
 void putPixelMap(PictWriter& writer, const Box& box) {
@@ -126,20 +126,17 @@ class RowWriter {
 }  // namespace
 
 void putPixels(PictWriter& writer, const Box& place, const ReadRow& readRow) {
-  for (int32_t left = place.left; left < place.right; left += kWidestMap) {
-    const Box box{left, place.top, std::min(left + kWidestMap, place.right), place.bottom};
-    writer.put16(pict::kDirectBitsRect);
-    putPixelMap(writer, box);
-    writer.putBox(box);  // from the map's coordinates
-    writer.putBox(box);  // to the same of the picture
-    writer.put16(0);     // transfer mode: copied
-    RowWriter rows(writer, box.width());
-    for (int32_t y = 0; y < box.height(); ++y) {
-      readRow(left - place.left, y, box.width(), rows.words());
-      rows.putWords();
-    }
-    writer.align();
+  writer.put16(pict::kDirectBitsRect);
+  putPixelMap(writer, place);
+  writer.putBox(place);  // from the map's coordinates
+  writer.putBox(place);  // to the same of the picture
+  writer.put16(0);       // transfer mode: copied
+  RowWriter rows(writer, place.width());
+  for (int32_t y = 0; y < place.height(); ++y) {
+    readRow(0, y, place.width(), rows.words());
+    rows.putWords();
   }
+  writer.align();
 }
 
 }  // namespace standin

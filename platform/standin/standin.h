@@ -51,6 +51,11 @@ long sizeOf(Handle handle);
 
 // --- PICT data ---------------------------------------------------------------
 
+/// The largest picture that can be recorded, in pixels: that of one pixel map, as
+/// every reader of PICT data expects it, and of 16-bit coordinates.
+constexpr int32_t kWidestRecording = 4095;
+constexpr int32_t kTallestRecording = 32767;
+
 /// Whether a recording is open: what is drawn then is recorded and not shown.
 bool isRecording();
 

@@ -186,14 +186,7 @@ TEST_P(Lut3DTest, RegionsInsideAcrossAndOutside) {
 TEST_P(Lut3DTest, PicturesChangeHandsWithTheirReferences) {
   EXPECT_FALSE(run()) << "without a source";
   const auto source = randomPicture(8, 8);
-  set(kSource, objectValue(source));
-  EXPECT_EQ(source->references(), 2);
-  ASSERT_TRUE(run());
-  const auto first = destination();
-  EXPECT_EQ(first->references(), 2);
-  ASSERT_TRUE(run());
-  EXPECT_EQ(first->references(), 1) << "the instance still holds the first result";
-  EXPECT_NE(destination().get(), first.get());
+  expectTwoRuns(source);
 
   set(kSource, Nil{});
   EXPECT_EQ(source->references(), 1);
@@ -204,11 +197,7 @@ TEST_P(Lut3DTest, PicturesChangeHandsWithTheirReferences) {
   ASSERT_TRUE(run());
   set("MaxX as Integer", 5);
   setTable(3, 3, 3, 0, 1.5);
-  close();
-  close();
-  EXPECT_EQ(source->references(), 1);
-  EXPECT_TRUE(std::holds_alternative<Nil>(get(kSource)));
-  EXPECT_FALSE(destination());
+  expectClosed(source);
   EXPECT_EQ(std::get<int32_t>(get("MaxX as Integer")), 5);
   EXPECT_EQ(table(3, 3, 3, 0), 1.5);
   set(kSource, objectValue(source));

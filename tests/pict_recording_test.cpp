@@ -139,7 +139,7 @@ TEST_F(PictRecordingTest, TheSizeIsThatOfTheHandle) {
 
 TEST_F(PictRecordingTest, RecordingsThatCannotBe) {
   ClosePicture();  // of nothing
-  standin::recordPixels({0, 0, 1, 1}, [](int32_t, int32_t, int32_t, uint32_t*) { FAIL(); });
+  standin::recordPixels({0, 0, 1, 1}, [](int32_t, int32_t, uint32_t*) { FAIL(); });
   EXPECT_EQ(OpenCPicture(nullptr), nullptr);
   for (const auto& [width, height] :
        {std::pair{0, 5}, {5, 0}, {4096, 5}, {32768, 5}, {5, 40000}, {65536, 1}}) {
@@ -177,7 +177,7 @@ TEST_F(PictRecordingTest, NoMemoryGivesAnEmptyFrame) {
   PicHandle data = startRecording(200, 10);
   drawPrimitive(randomPicture(200, 10), {0, 0, 10, 200});
   const Bytes before = bytesOf(data);
-  standin::recordPixels({0, 0, 10, 200}, [](int32_t, int32_t y, int32_t count, uint32_t* words) {
+  standin::recordPixels({0, 0, 10, 200}, [](int32_t y, int32_t count, uint32_t* words) {
     if (y == 5) throw std::bad_alloc();
     std::fill_n(words, count, 0);
   });

@@ -24,11 +24,11 @@ Placement placementIn(const Rect& rect, const Picture& picture) {
 }
 
 void recordPicture(const Picture& picture, const Rect& rect) {
-  standin::recordPixels(rect, [&](int32_t x, int32_t y, int32_t count, uint32_t* words) {
+  standin::recordPixels(rect, [&](int32_t y, int32_t count, uint32_t* words) {
     const auto line = Picture::create(Storage::Bitmap, count, 1);
     if (!line) throw std::bad_alloc();
     Placement placement = placementIn(rect, picture);
-    placement.x = -x;
+    placement.x = 0;
     placement.y = -y;
     drawPicture(*line, picture, placement);
     line->store().read({0, 0, count}, words);

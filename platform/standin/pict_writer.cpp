@@ -133,7 +133,7 @@ void putPixels(PictWriter& writer, const Box& place, const ReadRow& readRow) {
   writer.put16(0);       // transfer mode: copied
   RowWriter rows(writer, place.width());
   for (int32_t y = 0; y < place.height(); ++y) {
-    readRow(0, y, place.width(), rows.words());
+    readRow(y, place.width(), rows.words());
     rows.putWords();
   }
   writer.align();

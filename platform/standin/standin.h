@@ -59,9 +59,8 @@ constexpr int32_t kTallestRecording = 32767;
 /// Whether a recording is open: what is drawn then is recorded and not shown.
 bool isRecording();
 
-/// Writes `count` words 0x00RRGGBB, of the pixels from (x, y) on. May throw
-/// std::bad_alloc.
-using ReadRow = std::function<void(int32_t x, int32_t y, int32_t count, uint32_t* words)>;
+/// Writes the `count` words 0x00RRGGBB of row y. May throw std::bad_alloc.
+using ReadRow = std::function<void(int32_t y, int32_t count, uint32_t* words)>;
 
 /// Records pixels that cover `place`; they are counted from its top left. A
 /// picture for which there is no memory ends up with an empty frame.

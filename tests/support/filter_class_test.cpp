@@ -38,4 +38,26 @@ void FilterClassTest::expectRun(const Ref<Picture>& source, const Region& region
       << region.minX << ", " << region.minY << " to " << region.maxX << ", " << region.maxY;
 }
 
+Ref<Picture> FilterClassTest::expectTwoRuns(const Ref<Picture>& source) {
+  set(kSource, objectValue(source));
+  EXPECT_EQ(source->references(), 2);
+  EXPECT_TRUE(run());
+  const auto first = destination();
+  EXPECT_EQ(first->references(), 2);
+  EXPECT_TRUE(run());
+  EXPECT_EQ(first->references(), 1) << "the instance still holds the first result";
+  auto second = destination();
+  EXPECT_NE(second.get(), first.get());
+  EXPECT_EQ(second->references(), 2);
+  return second;
+}
+
+void FilterClassTest::expectClosed(const Ref<Picture>& source) {
+  close();
+  close();
+  EXPECT_EQ(source->references(), 1);
+  EXPECT_EQ(get(kSource), Value{Nil{}});
+  EXPECT_FALSE(destination());
+}
+
 }  // namespace host

@@ -37,6 +37,12 @@ class FilterClassTest : public RepresentationTest {
   void expectRun(const Ref<Picture>& source, const Region& region,
                  const std::function<uint32_t(uint32_t)>& map);
 
+  /// Runs twice on a source that only the caller holds: the instance then has a
+  /// reference to it and to the second result, which is returned.
+  Ref<Picture> expectTwoRuns(const Ref<Picture>& source);
+  /// Closes twice: no picture is left, and only the caller holds the source.
+  void expectClosed(const Ref<Picture>& source);
+
   Ref<Object> instance;
 
  private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/loader/load_plugin.h"
 #include "plugin/binding/records.h"
 #include "tests/support/plugin_test.h"
 

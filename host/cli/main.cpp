@@ -10,6 +10,7 @@
 
 #include "host/cli/commands.h"
 #include "host/core/runtime.h"
+#include "host/loader/load_plugin.h"
 
 namespace host {
 namespace {
@@ -48,7 +49,8 @@ void setPictures(const std::string& mode) {
 
 /// Adds the options that every command takes.
 void addGeneralOptions(CLI::App& app, CommandLine& line) {
-  app.add_option("--plugin", line.plugin, "Another build of the plug-in");
+  app.add_option("--plugin", line.plugin, "Another build of the plug-in, or its bundle")
+      ->envname("QRZ_PLUGIN");
   app.add_option_function<std::string>("--pictures", setPictures,
                                        "What new pictures are: gworld, context or bitmap");
   app.add_option("--host-version", runtime().settings.version,

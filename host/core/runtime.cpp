@@ -1,9 +1,6 @@
 #include "host/core/runtime.h"
 
-#include <dlfcn.h>
-
-#include <filesystem>
-#include <stdexcept>
+#include <utility>
 
 #include "host/core/picture.h"
 #include "host/core/string_record.h"
@@ -49,29 +46,6 @@ std::vector<std::string> Runtime::findLeaks() const {
   report(counts.contexts, "bitmap contexts still allocated");
   report(counts.recordings, "PICT recordings still open");
   return lines;
-}
-
-namespace {
-
-using EntryPoint = void (*)(void* (*resolver)(const char*));
-
-[[noreturn]] void fail(const std::string& path, const std::string& reason) {
-  throw std::runtime_error(path + ": " + reason);
-}
-
-}  // namespace
-
-void loadPlugin(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  if (!std::filesystem::is_regular_file(absolute, error)) {
-    fail(path, "there is no plug-in; build it or name one with --plugin");
-  }
-  void* library = dlopen(absolute.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) fail(path, std::string("cannot be loaded as a plug-in: ") + dlerror());
-  auto* entry = reinterpret_cast<EntryPoint>(dlsym(library, "REALPluginMain"));
-  if (entry == nullptr) fail(path, "is no plug-in: it does not export REALPluginMain");
-  entry(resolveService);
 }
 
 }  // namespace host

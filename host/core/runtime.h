@@ -70,9 +70,4 @@ void addBuiltInClasses(Registry& registry);
 /// The host's resolver: the address of a service, or null.
 void* resolveService(const char* name);
 
-/// Loads a build of the plug-in and runs its entry point. Throws
-/// std::runtime_error with one line that says what is wrong. The plug-in stays
-/// loaded for the life of the process.
-void loadPlugin(const std::string& path);
-
 }  // namespace host

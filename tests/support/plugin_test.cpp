@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "host/loader/load_plugin.h"
+
 namespace host {
 namespace {
 

@@ -10,9 +10,8 @@
 
 namespace host {
 
-Outcome qrz(const std::string& arguments) {
-  const std::string command = QRZ_BUILD_FOLDER "/qrz " + arguments + " 2>&1 </dev/null";
-  FILE* pipe = popen(command.c_str(), "r");
+Outcome runCommand(const std::string& command) {
+  FILE* pipe = popen((command + " 2>&1 </dev/null").c_str(), "r");
   Outcome outcome{-1, {}};
   std::array<char, 4096> buffer{};
   while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
@@ -21,6 +20,10 @@ Outcome qrz(const std::string& arguments) {
   const int status = pclose(pipe);
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
   return outcome;
+}
+
+Outcome qrz(const std::string& arguments) {
+  return runCommand(QRZ_BUILD_FOLDER "/qrz " + arguments);
 }
 
 void FolderTest::SetUp() {

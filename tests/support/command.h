@@ -12,6 +12,9 @@ struct Outcome {
   std::string output;  ///< standard output and error
 };
 
+/// Runs a command of the shell.
+Outcome runCommand(const std::string& command);
+
 /// Runs the qrz of this build with arguments as a shell splits them.
 Outcome qrz(const std::string& arguments);
 

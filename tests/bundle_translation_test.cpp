@@ -1,0 +1,168 @@
+// machobundle: what it refuses, and that the same image gives the same bytes.
+
+#include <elf.h>
+#include <gtest/gtest.h>
+
+#include "host/files/file_bytes.h"
+#include "tests/support/bundle.h"
+#include "tests/support/command.h"
+
+namespace host {
+namespace {
+
+Elf32_Shdr sectionOf(const Bytes& image, uint32_t type) {
+  const auto header = recordAt<Elf32_Ehdr>(image, 0);
+  for (size_t i = 0; i < header.e_shnum; ++i) {
+    const auto section = recordAt<Elf32_Shdr>(image, header.e_shoff + i * sizeof(Elf32_Shdr));
+    if (section.sh_type == type) return section;
+  }
+  throw std::logic_error("the image has no such section");
+}
+
+void changeSegment(Bytes& image, uint32_t type, const std::function<void(Elf32_Phdr&)>& work) {
+  const auto header = recordAt<Elf32_Ehdr>(image, 0);
+  for (size_t i = 0; i < header.e_phnum; ++i) {
+    change<Elf32_Phdr>(image, header.e_phoff + i * sizeof(Elf32_Phdr), [&](Elf32_Phdr& segment) {
+      if (segment.p_type == type) work(segment);
+    });
+  }
+}
+
+void changeRelocation(Bytes& image, const std::function<void(Elf32_Rel&)>& work) {
+  change<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset, work);
+}
+
+/// Puts another entry in the place of one that means nothing here.
+void addDynamicEntry(Bytes& image, int32_t tag, uint32_t value = 0) {
+  change<Elf32_Dyn>(image, sectionOf(image, SHT_DYNAMIC).sh_offset, [&](Elf32_Dyn& entry) {
+    ASSERT_EQ(entry.d_tag, DT_SYMBOLIC);
+    entry.d_tag = tag;
+    entry.d_un.d_val = value;
+  });
+}
+
+void rename(Bytes& image, const std::string& from, const std::string& to) {
+  std::ranges::copy(to, image.begin() + static_cast<ptrdiff_t>(offsetOf(image, from)));
+}
+
+struct Refusal {
+  const char* reason;  ///< a part of what is said
+  std::function<void(Bytes&)> damage;
+};
+
+TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
+  const Refusal refusals[] = {
+      {"relocation of the unknown type 2 at 0x",
+       [](Bytes& image) {
+         changeRelocation(image, [](Elf32_Rel& each) { each.r_info = R_386_PC32; });
+       }},
+      {"relocation outside its data at 0x1234",
+       [](Bytes& image) {
+         changeRelocation(image, [](Elf32_Rel& each) { each.r_offset = 0x1234; });
+       }},
+      {"has two relocations at 0x",
+       [](Bytes& image) { changeRelocation(image, [](Elf32_Rel& each) { each.r_offset += 4; }); }},
+      {"has a relocation of no symbol",
+       [](Bytes& image) {
+         changeRelocation(image, [](Elf32_Rel& each) { each.r_info = 0xFFFFF << 8 | R_386_32; });
+       }},
+      {"has a relocation to 0xFFF00000, which is nowhere,",
+       [](Bytes& image) {
+         // The first one is of the first word of the data.
+         const auto data = sectionOf(image, SHT_DYNAMIC);
+         const auto place =
+             recordAt<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset).r_offset;
+         change<uint32_t>(image, place - data.sh_addr + data.sh_offset,
+                          [](uint32_t& word) { word = 0xFFF00000; });
+       }},
+      {"has relocations in no section",
+       [](Bytes& image) { addDynamicEntry(image, DT_PLTRELSZ, 8); }},
+      {"has relocations in its code (DT_TEXTREL)",
+       [](Bytes& image) { addDynamicEntry(image, DT_TEXTREL); }},
+      {"runs code when it is loaded (DT_INIT)",
+       [](Bytes& image) { addDynamicEntry(image, DT_INIT_ARRAY); }},
+      {"runs code when it is unloaded (DT_FINI)",
+       [](Bytes& image) { addDynamicEntry(image, DT_FINI); }},
+      {"needs a library: ", [](Bytes& image) { addDynamicEntry(image, DT_NEEDED, 1); }},
+      {"unknown dynamic entry 0x24", [](Bytes& image) { addDynamicEntry(image, 36); }},  // DT_RELR
+      {"unknown flags (DT_FLAGS 0x10)",
+       [](Bytes& image) { addDynamicEntry(image, DT_FLAGS, DF_STATIC_TLS); }},
+      {"(PT_GNU_RELRO)",
+       [](Bytes& image) {
+         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_type = PT_GNU_RELRO; });
+       }},
+      {"(PT_TLS)",
+       [](Bytes& image) {
+         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_type = PT_TLS; });
+       }},
+      {"stack that can be executed",
+       [](Bytes& image) {
+         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_flags |= PF_X; });
+       }},
+      {"code that can be changed",
+       [](Bytes& image) {
+         changeSegment(image, PT_LOAD, [](Elf32_Phdr& it) { it.p_flags = PF_R | PF_W | PF_X; });
+       }},
+      {"section that no segment loads: ",
+       [](Bytes& image) {
+         changeSegment(image, PT_LOAD, [](Elf32_Phdr& it) { it.p_offset += 0x1000; });
+       }},
+      {"exports REALPluginMaim",
+       [](Bytes& image) { rename(image, "REALPluginMain", "REALPluginMaim"); }},
+      {"imports calloc_, which is on no list",
+       [](Bytes& image) { rename(image, "GetHandleSize", std::string("calloc_\0", 8)); }},
+      {"unknown section .dato", [](Bytes& image) { rename(image, ".data", ".dato"); }},
+      {"no shared ELF image for i386", [](Bytes& image) { image[EI_CLASS] = ELFCLASS64; }},
+  };
+  for (const auto& [reason, damage] : refusals) {
+    Bytes image = smallImage();
+    damage(image);
+    EXPECT_NE(faultOf([&] { bundleOf(image); }).find(reason), std::string::npos)
+        << reason << ": " << faultOf([&] { bundleOf(image); });
+  }
+  const Bytes whole = smallImage();
+  for (size_t size = 0; size < whole.size(); ++size) {
+    EXPECT_NE(faultOf([&] {
+                bundleOf({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)});
+              }),
+              "")
+        << size;
+  }
+}
+
+class MachobundleTest : public FolderTest {
+ protected:
+  [[nodiscard]] Outcome translate(const std::string& image) const {
+    return runCommand(QRZ_BUILD_FOLDER "/machobundle " + image + " " + path("out"));
+  }
+  static std::string small(const std::string& name) {
+    return QRZ_BUILD_FOLDER "/small_plugins/" + name + ".so";
+  }
+};
+
+TEST_F(MachobundleTest, SaysInOneLineWhatIsWrongAndLeavesNothing) {
+  const std::pair<std::string, std::string> refusals[] = {
+      {small("constructor"), "has constructors, which run when it is loaded (.init_array)"},
+      {small("thread_local"), "has thread-local variables (PT_TLS)"},
+      {small("strange_import"), "imports exit, which is on no list of imports"},
+      {path("none"),
+       "cannot be read: No such file or directory; check the name and the permissions"},
+      {"/dev/null", "is truncated"},
+  };
+  for (const auto& [image, reason] : refusals) {
+    const Outcome outcome = translate(image);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "machobundle: " + image + ": " + reason + "\n");
+  }
+  EXPECT_EQ(runCommand("ls " + folder).output, "");
+  EXPECT_EQ(runCommand(QRZ_BUILD_FOLDER "/machobundle").status, 2);
+}
+
+TEST_F(MachobundleTest, TheSameImageGivesTheSameBytes) {
+  ASSERT_EQ(translate(small("small")).output, "");
+  EXPECT_EQ(readFile(path("out")), bundleOf(smallImage()));
+  EXPECT_EQ(runCommand("test -x " + path("out")).status, 0);
+}
+
+}  // namespace
+}  // namespace host

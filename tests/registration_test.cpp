@@ -1,5 +1,7 @@
 // The entry point, the binding of services and what is registered.
 
+#include <dlfcn.h>
+
 #include <algorithm>
 
 #include "host/loader/load_plugin.h"
@@ -239,6 +241,17 @@ TEST_P(CatalogueTest, GlobalMethods) {
     if (i > 0) {
       EXPECT_EQ(globalRecords[i], globalRecords[i - 1] + 1) << "records in one array";
     }
+  }
+}
+
+/// The dynamic linker knows of the ELF images that it loaded, and not of a bundle.
+TEST_P(CatalogueTest, RecordsAreThoseOfTheArtefactUnderTest) {
+  Dl_info info{};
+  const bool isShared = dladdr(globalRecords[0], &info) != 0;
+  const bool isBundle = pluginPath().ends_with(".bundle");
+  ASSERT_NE(isShared, isBundle);
+  if (isShared) {
+    EXPECT_EQ(info.dli_fname, pluginPath());
   }
 }
 

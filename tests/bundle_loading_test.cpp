@@ -206,10 +206,9 @@ Bytes shippedBundle() {
 #endif
 }
 
-/// Two free addresses; the second is not one that a segment could be shifted to
-/// without all of its relocations.
-void* const kLowAddress = reinterpret_cast<void*>(0x20000000);
-void* const kHighAddress = reinterpret_cast<void*>(0x61235000);
+/// Two addresses that nothing else takes, the sanitizers' memory included.
+void* const kLowAddress = reinterpret_cast<void*>(0x48000000);
+void* const kHighAddress = reinterpret_cast<void*>(0x71235000);
 
 TEST(BundleLoading, AtTwoAddressesOnlyRelocatedWordsDiffer) {
   const Bytes bundle = shippedBundle();
@@ -236,8 +235,8 @@ TEST(BundleLoading, ProtectsWhatItLoads) {
   std::ifstream maps("/proc/self/maps");
   std::vector<std::string> protections;
   for (std::string line; std::getline(maps, line);) {
-    const auto address = std::stoul(line, nullptr, 16);
-    if (address >= 0x20000000 && address < 0x20000000 + image.bytes().size()) {
+    const uint64_t address = std::stoull(line, nullptr, 16);
+    if (address - reinterpret_cast<uintptr_t>(kLowAddress) < image.bytes().size()) {
       protections.push_back(line.substr(line.find(' ') + 1, 3));
     }
   }

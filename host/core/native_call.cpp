@@ -18,10 +18,37 @@ using Word = uint32_t;
 /// words beyond the parameters do no harm.
 constexpr size_t kWords = 16;
 
+using Clock = std::chrono::steady_clock;
+
+/// What the stopwatch shows, if there is one.
+struct Timing {
+  bool isOn = false;
+  int32_t depth = 0;  ///< a function's services may call functions
+  Clock::duration elapsed{};
+};
+Timing timing;
+
+/// One call of a function of the plug-in.
+class TimedCall {
+ public:
+  TimedCall() {
+    if (timing.isOn && ++timing.depth == 1) start_ = Clock::now();
+  }
+  TimedCall(const TimedCall&) = delete;
+  TimedCall& operator=(const TimedCall&) = delete;
+  ~TimedCall() {
+    if (timing.isOn && --timing.depth == 0) timing.elapsed += Clock::now() - start_;
+  }
+
+ private:
+  Clock::time_point start_;
+};
+
 template <typename Result, size_t... Index>
 Result invoke(qrz::HostFunction function, const std::array<Word, kWords>& words,
               std::index_sequence<Index...> /*all*/) {
   auto* target = reinterpret_cast<Result (*)(decltype(static_cast<Word>(Index))...)>(function);
+  const TimedCall timed;
   return target(words[Index]...);
 }
 
@@ -247,5 +274,11 @@ void callPropertySetter(qrz::HostFunction setter, Object* self, int32_t param, c
   invoke<Word>(setter, native.words());
   runtime().deliverPendingException();
 }
+
+CallStopwatch::CallStopwatch() { timing = {true, 0, {}}; }
+
+CallStopwatch::~CallStopwatch() { timing = {}; }
+
+std::chrono::nanoseconds CallStopwatch::elapsed() const { return timing.elapsed; }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 // Calls of the plug-in's functions.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -28,5 +29,19 @@ void callSetter(qrz::HostFunction setter, const Declaration& declaration, Self s
 Value callGetter(qrz::HostFunction getter, Object* self, int32_t param, const Type& type);
 void callPropertySetter(qrz::HostFunction setter, Object* self, int32_t param, const Type& type,
                         const Value& value);
+
+/// While one lives, adds up the time that the plug-in's functions take, the host's
+/// services that they call included. What the host does before and after, such as
+/// copying strings into records, does not count. At most one at a time.
+class CallStopwatch {
+ public:
+  CallStopwatch();
+  CallStopwatch(const CallStopwatch&) = delete;
+  CallStopwatch& operator=(const CallStopwatch&) = delete;
+  ~CallStopwatch();
+
+  /// Since the beginning.
+  [[nodiscard]] std::chrono::nanoseconds elapsed() const;
+};
 
 }  // namespace host

@@ -1,11 +1,12 @@
 #include "host/core/pixel_store.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <type_traits>
 #include <vector>
 
+#include "host/core/runtime.h"
+#include "host/core/store_pool.h"
 #include "platform/standin/standin.h"
 #include "platform/standin/x555.h"
 #include "plugin/binding/description.h"
@@ -18,15 +19,17 @@ constexpr uint32_t kWhite = 0x00FFFFFF;
 /// More than any 32-bit process can hold twice.
 constexpr int64_t kLargestStore = int64_t{1} << 30;
 
-struct FreeDeleter {
-  void operator()(void* memory) const { free(memory); }
-};
-using Bytes = std::unique_ptr<uint8_t, FreeDeleter>;
-
 /// Null if the block is too large or there is no memory.
-Bytes allocate(int64_t rowBytes, int32_t height) {
+StoreBlock allocate(int64_t rowBytes, int32_t height) {
   if (rowBytes > kLargestStore / height) return nullptr;
-  return Bytes(static_cast<uint8_t*>(calloc(static_cast<size_t>(rowBytes * height), 1)));
+  return newStoreBlock(static_cast<size_t>(rowBytes * height));
+}
+
+/// What lies between the pixels of a row and the next row becomes 0.
+void clearRowEnds(uint8_t* bytes, int64_t rowBytes, int32_t height, int64_t pixelBytes) {
+  for (int32_t y = 0; y < height; ++y, bytes += rowBytes) {
+    memset(bytes + pixelBytes, 0, static_cast<size_t>(rowBytes - pixelBytes));
+  }
 }
 
 /// 0xPPRRGGBB to bytes P, R, G, B and back: the byte order turned round.
@@ -137,7 +140,8 @@ class GWorldStore final : public PixelStore {
 
 class ContextStore final : public PixelStore {
  public:
-  ContextStore(Bytes bytes, CGContextRef context, int32_t width, int32_t height, int32_t rowBytes)
+  ContextStore(StoreBlock bytes, CGContextRef context, int32_t width, int32_t height,
+               int32_t rowBytes)
       : bytes_(std::move(bytes)),
         context_(context),
         width_(width),
@@ -159,7 +163,8 @@ class ContextStore final : public PixelStore {
   }
   /// The host takes the finished pixels over as a GWorld, without a copy.
   std::unique_ptr<PixelStore> afterChange() override {
-    GWorldPtr world = standin::newGWorldOver(bytes_.get(), width_, height_, 32, rowBytes_);
+    GWorldPtr world =
+        standin::newGWorldOver(bytes_.get(), width_, height_, 32, rowBytes_, recycleStoreBlock);
     if (world == nullptr) return nullptr;
     static_cast<void>(bytes_.release());
     return gworldStore(world, true);
@@ -170,7 +175,7 @@ class ContextStore final : public PixelStore {
     return bytes_.get() + static_cast<ptrdiff_t>(run.y) * rowBytes_ + 4 * run.x;
   }
 
-  Bytes bytes_;
+  StoreBlock bytes_;
   CGContextRef context_;
   int32_t width_;
   int32_t height_;
@@ -179,7 +184,7 @@ class ContextStore final : public PixelStore {
 
 class BitmapStore final : public PixelStore {
  public:
-  BitmapStore(Bytes bytes, int32_t width, int32_t height, int64_t rowBytes)
+  BitmapStore(StoreBlock bytes, int32_t width, int32_t height, int64_t rowBytes)
       : bytes_(std::move(bytes)), rows_(static_cast<size_t>(height)) {
     for (size_t y = 0; y < rows_.size(); ++y) {
       rows_[y] = bytes_.get() + static_cast<ptrdiff_t>(y) * static_cast<ptrdiff_t>(rowBytes);
@@ -208,12 +213,12 @@ class BitmapStore final : public PixelStore {
     return rows_[static_cast<size_t>(run.y)] + 4 * run.x;
   }
 
-  Bytes bytes_;
+  StoreBlock bytes_;
   std::vector<uint8_t*> rows_;
   qrz::HostBitmap record_{};
 };
 
-std::unique_ptr<PixelStore> newContextStore(Bytes bytes, int32_t width, int32_t height,
+std::unique_ptr<PixelStore> newContextStore(StoreBlock bytes, int32_t width, int32_t height,
                                             int32_t rowBytes) {
   CGContextRef context =
       standin::newBitmapContext(bytes.get(), static_cast<size_t>(rowBytes), 8, 32);
@@ -221,9 +226,10 @@ std::unique_ptr<PixelStore> newContextStore(Bytes bytes, int32_t width, int32_t 
   return std::make_unique<ContextStore>(std::move(bytes), context, width, height, rowBytes);
 }
 
-std::unique_ptr<PixelStore> newGWorldStore(Bytes bytes, int32_t width, int32_t height,
+std::unique_ptr<PixelStore> newGWorldStore(StoreBlock bytes, int32_t width, int32_t height,
                                            int32_t depth, int32_t rowBytes) {
-  GWorldPtr world = standin::newGWorldOver(bytes.get(), width, height, depth, rowBytes);
+  GWorldPtr world =
+      standin::newGWorldOver(bytes.get(), width, height, depth, rowBytes, recycleStoreBlock);
   if (world == nullptr) return nullptr;
   static_cast<void>(bytes.release());
   return gworldStore(world, true);
@@ -241,8 +247,10 @@ std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_
   if (width < 1 || height < 1) return nullptr;
   if (storage != Storage::GWorld || (depth != 24 && depth != 16)) depth = 32;
   const int64_t rowBytes = standin::rowBytesFor(width, depth);
-  Bytes bytes = allocate(rowBytes, height);
+  StoreBlock bytes = allocate(rowBytes, height);
   if (bytes == nullptr) return nullptr;
+  const bool blank = runtime().settings.blanksNewPictures;
+  if (blank) clearRowEnds(bytes.get(), rowBytes, height, int64_t{width} * (depth / 8));
   const auto stride = static_cast<int32_t>(rowBytes);
   std::unique_ptr<PixelStore> store;
   switch (storage) {
@@ -256,7 +264,7 @@ std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_
       store = std::make_unique<BitmapStore>(std::move(bytes), width, height, rowBytes);
       break;
   }
-  if (store != nullptr) fillWhite(*store);
+  if (store != nullptr && blank) fillWhite(*store);
   return store;
 }
 

@@ -51,8 +51,8 @@ class PixelStore {
   virtual std::unique_ptr<PixelStore> afterChange() { return nullptr; }
 };
 
-/// A new white store with pads 0. Depth counts for GWorlds only. Null if a size
-/// is below 1 or there is no memory.
+/// A new white store with pads 0 (unless the settings say otherwise). Depth counts
+/// for GWorlds only. Null if a size is below 1 or there is no memory.
 std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_t height,
                                           int32_t depth = 32);
 

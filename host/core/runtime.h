@@ -15,6 +15,9 @@ namespace host {
 struct Settings {
   Storage newPictures = Storage::GWorld;  ///< what newPicture makes
   double version = 2019.0;                ///< what REALGetRBVersion reports
+  /// New pictures are white. Without it they hold anything, which takes no time:
+  /// for measurements.
+  bool blanksNewPictures = true;
 };
 
 /// Called with the name of every host service and platform call, and with

@@ -18,6 +18,7 @@ struct OpaquePort {
   uint32_t foreground;  ///< 0x00RRGGBB
   uint32_t background;
   OpaquePort* next;  ///< of the worlds that live
+  standin::ReleaseBlock release;
 };
 
 struct OpaqueDevice {};
@@ -29,12 +30,14 @@ struct OpaqueRegion {
 namespace standin {
 namespace {
 
+void freeBlock(uint8_t* block, size_t /*size*/) { free(block); }
+
 constexpr uint32_t kBlack = 0x000000;
 constexpr uint32_t kWhite = 0xFFFFFF;
 
 /// The port that is current before any other: the screen, of which nothing is
 /// ever shown.
-OpaquePort screen{nullptr, {}, kBlack, kWhite, nullptr};
+OpaquePort screen{nullptr, {}, kBlack, kWhite, nullptr, nullptr};
 OpaqueDevice screenDeviceRecord;
 OpaqueDevice* screenDevice = &screenDeviceRecord;
 
@@ -141,9 +144,11 @@ int64_t rowBytesFor(int32_t width, int32_t depth) {
 
 // NOLINTNEXTLINE(readability-non-const-parameter): the world writes through it
 GWorldPtr newGWorldOver(uint8_t* base, int32_t width, int32_t height, int32_t depth,
-                        int32_t rowBytes) {
-  auto* world = new (std::nothrow)
-      OpaquePort{nullptr, {{base, rowBytes, width, height, depth}, 0}, kBlack, kWhite, worlds};
+                        int32_t rowBytes, ReleaseBlock release) {
+  if (release == nullptr) release = freeBlock;
+  const Pixels pixels{base, rowBytes, width, height, depth};
+  auto* world =
+      new (std::nothrow) OpaquePort{nullptr, {pixels, 0}, kBlack, kWhite, worlds, release};
   if (world == nullptr) return nullptr;
   world->master = &world->map;
   worlds = world;
@@ -159,7 +164,9 @@ void disposeGWorld(GWorldPtr world) {
   *link = world->next;
   held.pixelLocks -= world->map.locks;
   --held.worlds;
-  free(world->map.pixels.base);
+  const Pixels& pixels = world->map.pixels;
+  world->release(pixels.base,
+                 static_cast<size_t>(pixels.rowBytes) * static_cast<size_t>(pixels.height));
   delete world;
 }
 

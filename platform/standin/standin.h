@@ -27,11 +27,15 @@ struct Pixels {
 /// 64-bit, so that a caller can tell what is too large.
 int64_t rowBytesFor(int32_t width, int32_t depth);
 
-/// A GWorld of width × height pixels that takes over `base`, a block from
-/// malloc of height × rowBytes bytes, and frees it on disposal. Ports start
-/// with black foreground and white background. Null without memory.
+/// Takes back the block of a world's pixels.
+using ReleaseBlock = void (*)(uint8_t* block, size_t size);
+
+/// A GWorld of width × height pixels that takes over `base`, a block of height ×
+/// rowBytes bytes, and hands it to `release` on disposal; without one the block
+/// is from malloc and freed. Ports start with black foreground and white
+/// background. Null without memory.
 GWorldPtr newGWorldOver(uint8_t* base, int32_t width, int32_t height, int32_t depth,
-                        int32_t rowBytes);
+                        int32_t rowBytes, ReleaseBlock release = nullptr);
 /// If the world is the current port, the screen's port becomes current.
 void disposeGWorld(GWorldPtr world);
 /// True if a world that lives is at the address; any address is fine.

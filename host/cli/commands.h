@@ -29,6 +29,16 @@ int listMembers(const std::string& name);
 /// `qrz gallery`: writes index.html into the folder, and makes the folder.
 int makeGallery(const std::string& folder);
 
+/// What `qrz bench` was asked for.
+struct BenchOptions {
+  std::string members;             ///< an extended regular expression for their names; empty for all
+  std::vector<std::string> sizes;  ///< "640x480"
+  std::string json, plot;          ///< files to write; empty for none
+};
+
+/// `qrz bench`: measures members against a plain copy and prints a line for each.
+int runBenchmark(const BenchOptions& options);
+
 /// One line on standard error.
 void complain(const std::string& line);
 

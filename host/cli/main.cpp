@@ -35,6 +35,7 @@ struct CommandLine {
   bool check = false;
   std::string expression, output, script, member, folder;
   std::vector<std::string> files, arguments;
+  BenchOptions bench;
 };
 
 void setPictures(const std::string& mode) {
@@ -62,7 +63,7 @@ void addGeneralOptions(CLI::App& app, CommandLine& line) {
 std::string usageMessage(const CLI::App* app, const CLI::Error& error) {
   std::string problem = error.what();
   if (app->get_subcommands().empty() && problem.find("subcommand") != std::string::npos) {
-    problem = "name a command: apply, run, members or gallery";
+    problem = "name a command: apply, run, members, gallery or bench";
   }
   return "qrz: " + problem + "; `qrz --help` shows the usage\n";
 }
@@ -72,7 +73,18 @@ int runCommand(const CLI::App& app, const CommandLine& line) {
   if (app.got_subcommand("apply")) return applyExpression(line.expression, line.files, line.output);
   if (app.got_subcommand("run")) return runScript(line.script, line.arguments);
   if (app.got_subcommand("members")) return listMembers(line.member);
+  if (app.got_subcommand("bench")) return runBenchmark(line.bench);
   return makeGallery(line.folder);
+}
+
+void addBench(CLI::App& app, BenchOptions& options) {
+  auto* bench = app.add_subcommand("bench", "Measure members against a plain copy");
+  bench->add_option("--members", options.members,
+                    "Only members whose names match this regular expression");
+  bench->add_option("--size", options.sizes,
+                    "Sizes of the pictures; 256x256 1024x1024 4096x4096 if none is given");
+  bench->add_option("--json", options.json, "A file for the results");
+  bench->add_option("--plot", options.plot, "A file for a plot, SVG");
 }
 
 void addCommands(CLI::App& app, CommandLine& line) {
@@ -88,6 +100,7 @@ void addCommands(CLI::App& app, CommandLine& line) {
   members->add_option("name", line.member, "Only members or classes of this name");
   auto* gallery = app.add_subcommand("gallery", "Make a page with every member before and after");
   gallery->add_option("folder", line.folder, "The folder for index.html")->required();
+  addBench(app, line.bench);
 }
 
 /// Reports what is still alive or locked; true if something is.

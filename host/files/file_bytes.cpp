@@ -116,6 +116,31 @@ class TemporaryFile {
   bool moved_ = false;
 };
 
+/// A file to come; nothing of it is there before it is written.
+class NewFile {
+ public:
+  explicit NewFile(const std::string& path)
+      : target_(resolveLink(checkedName(path))),
+        mode_(replacedMode(target_)),
+        file_(folderOf(target_)) {}
+
+  void write(std::span<const uint8_t> bytes) {
+    file_.write(bytes);
+    if (mode_) file_.setMode(*mode_);
+    file_.moveTo(target_);
+  }
+
+ private:
+  static const std::string& checkedName(const std::string& path) {
+    if (path.find('\0') == std::string::npos) return path;
+    throw FileFault("the name contains a zero byte; choose another one");
+  }
+
+  std::string target_;
+  std::optional<mode_t> mode_;
+  TemporaryFile file_;
+};
+
 }  // namespace
 
 std::vector<uint8_t> readFile(const std::string& path) {
@@ -133,16 +158,10 @@ std::vector<uint8_t> readFile(const std::string& path) {
 }
 
 void writeFile(const std::string& path, std::span<const uint8_t> bytes) {
-  if (path.find('\0') != std::string::npos) {
-    throw FileFault("the name contains a zero byte; choose another one");
-  }
-  const std::string target = resolveLink(path);
-  const std::optional<mode_t> mode = replacedMode(target);
-  TemporaryFile file(folderOf(target));
-  file.write(bytes);
-  if (mode) file.setMode(*mode);
-  file.moveTo(target);
+  NewFile(path).write(bytes);
 }
+
+void checkWritable(const std::string& path) { static_cast<void>(NewFile(path)); }
 
 std::string extensionOf(const std::string& path) {
   const size_t slash = path.rfind('/');

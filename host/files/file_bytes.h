@@ -17,6 +17,9 @@ std::vector<uint8_t> readFile(const std::string& path);
 /// cannot be written; nothing is left behind then, and an existing file stays as it was.
 void writeFile(const std::string& path, std::span<const uint8_t> bytes);
 
+/// Throws a FileFault if writeFile could not write the file; leaves everything as it is.
+void checkWritable(const std::string& path);
+
 /// The end of the name from its last dot on, in lower case; empty without one.
 std::string extensionOf(const std::string& path);
 

@@ -1,7 +1,6 @@
 #include "host/files/picture_io.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <new>
 
 #include "host/core/exception.h"
@@ -12,6 +11,7 @@
 #include "host/files/pict_file.h"
 #include "host/files/picture_format.h"
 #include "host/files/picture_limits.h"
+#include "host/files/picture_size.h"
 #include "host/gallery/samples.h"
 #include "platform/standin/standin.h"
 
@@ -19,33 +19,29 @@ namespace host {
 namespace {
 
 constexpr std::string_view kSamplePrefix = "sample:";
-constexpr int32_t kSampleWidth = 480;
-constexpr int32_t kSampleHeight = 320;
+constexpr PictureSize kSampleSize{480, 320};
 
 /// The level as a grey pixel.
 uint32_t grey(uint32_t level) { return level << 16 | level << 8 | level; }
 
 /// The size after an '@' in the path, such as 4000x3000, cut off the name.
-void takeSize(const std::string& path, std::string& name, int32_t& width, int32_t& height) {
+PictureSize takeSize(const std::string& path, std::string& name) {
   const size_t at = name.find('@');
-  if (at == std::string::npos) return;
-  int end = 0;
-  const std::string size = name.substr(at + 1);
-  const int read = sscanf(size.c_str(), "%5dx%5d%n", &width, &height, &end);
-  if (read != 2 || static_cast<size_t>(end) != size.size() || width < 1 || height < 1) {
+  if (at == std::string::npos) return kSampleSize;
+  const auto size = parseSize(name.substr(at + 1));
+  if (!size) {
     throw ImageError(path + ": the size after '@' is width x height in pixels, such as 640x480");
   }
   name.resize(at);
+  return *size;
 }
 
 Image drawSample(const std::string& path) {
   std::string name = path.substr(kSamplePrefix.size());
-  int32_t width = kSampleWidth;
-  int32_t height = kSampleHeight;
-  takeSize(path, name, width, height);
+  const PictureSize size = takeSize(path, name);
   std::string known;
   for (const Sample& sample : samples()) {
-    if (sample.name == name) return sample.draw(width, height);
+    if (sample.name == name) return sample.draw(size.width, size.height);
     known += (known.empty() ? "" : ", ") + std::string(sample.name);
   }
   throw ImageError(path + ": no such sample picture; there are " + known);

@@ -7,37 +7,12 @@
 #include <utility>
 
 #include "host/files/image_file.h"
+#include "host/files/markup.h"
 #include "host/gallery/page_style.h"
 
 namespace host {
 
 namespace {
-
-std::string escaped(std::string_view text) {
-  std::string html;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        html += "&amp;";
-        break;
-      case '<':
-        html += "&lt;";
-        break;
-      case '>':
-        html += "&gt;";
-        break;
-      case '"':
-        html += "&quot;";
-        break;
-      case '\'':
-        html += "&#39;";
-        break;
-      default:
-        html += c;
-    }
-  }
-  return html;
-}
 
 /// Base64 with padding.
 std::string encoded(std::span<const uint8_t> bytes) {

@@ -1,0 +1,196 @@
+// The benchmark, as its users run it, and the recycling of pixel stores.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <set>
+#include <span>
+#include <sstream>
+
+#include "host/core/picture.h"
+#include "host/core/runtime.h"
+#include "host/core/store_pool.h"
+#include "platform/standin/standin.h"
+#include "tests/support/command.h"
+
+namespace host {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+// --- The command -------------------------------------------------------------
+
+struct Entry {
+  std::string name, level;  ///< "InvertQRZ 16x16 photo"
+  double fastest, median, copy, ratio;
+};
+
+class BenchTest : public FolderTest {
+ protected:
+  [[nodiscard]] std::string read(const std::string& name) const {
+    std::ifstream file(path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+  /// The results in a file, which are to be spelled exactly like this.
+  [[nodiscard]] std::vector<Entry> entriesIn(const std::string& name) const {
+    const std::string text = read(name);
+    constexpr std::string_view kStart = "{\"results\": [\n";
+    constexpr std::string_view kEnd = "\n]}\n";
+    EXPECT_TRUE(text.starts_with(kStart) && text.ends_with(kEnd)) << text;
+    std::istringstream lines(text.substr(kStart.size(), text.size() - kStart.size() - kEnd.size()));
+    std::vector<Entry> entries;
+    for (std::string line; std::getline(lines, line);) {
+      char member[100], size[20], content[20], level[20];
+      Entry entry{};
+      int end = 0;
+      sscanf(line.c_str(),
+             R"(  {"member": "%99[^"\]", "size": "%19[0-9x]", "content": "%19[a-z]", )"
+             R"("level": "%19[A-Z0-9]", "ns_per_pixel_min": %lf, "ns_per_pixel_median": %lf, )"
+             R"("copy_ns_per_pixel": %lf, "ratio_to_copy": %lf}%n)",
+             member, size, content, level, &entry.fastest, &entry.median, &entry.copy, &entry.ratio,
+             &end);
+      EXPECT_EQ(line.substr(static_cast<size_t>(end)), lines.eof() ? "" : ",") << line;
+      if (end == 0) continue;
+      entry.name = std::string(member) + " " + size + " " + content;
+      entry.level = level;
+      entries.push_back(entry);
+    }
+    return entries;
+  }
+};
+
+TEST_F(BenchTest, FilesHoldWhatWasMeasured) {
+  const Outcome outcome =
+      qrz("--check bench --size 16x16 5x3 --members '^(invertqrz$|iswhite|picturesepia)' --json " +
+          path("out.json") + " --plot " + path("out.svg"));
+  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  std::set<std::string> names;
+  for (const Entry& entry : entriesIn("out.json")) {
+    names.insert(entry.name);
+    EXPECT_LE(entry.fastest, entry.median) << entry.name;
+    EXPECT_GT(entry.fastest, 0) << entry.name;
+    EXPECT_NEAR(entry.ratio * entry.copy, entry.fastest, entry.fastest * 1e-4) << entry.name;
+    EXPECT_THAT(outcome.output, HasSubstr(entry.name.substr(0, entry.name.find(' '))));
+  }
+  EXPECT_EQ(names, (std::set<std::string>{
+                       "InvertQRZ 16x16 photo", "InvertQRZ 16x16 noise", "isWhiteQRZ 16x16 white",
+                       "isWhiteQRZ(left, top, width, height) 16x16 white",
+                       "PictureSepiaQRZ.Run 16x16 photo", "PictureSepiaQRZ.Run 16x16 noise",
+                       "InvertQRZ 5x3 photo", "InvertQRZ 5x3 noise", "isWhiteQRZ 5x3 white",
+                       "isWhiteQRZ(left, top, width, height) 5x3 white",
+                       "PictureSepiaQRZ.Run 5x3 photo", "PictureSepiaQRZ.Run 5x3 noise"}));
+  const std::string plot = read("out.svg");
+  EXPECT_THAT(plot, HasSubstr(">isWhiteQRZ(left, top, width, height)</text>"));
+  EXPECT_THAT(plot, HasSubstr("prefers-color-scheme: dark"));
+  size_t bars = 0;
+  for (size_t at = plot.find("<g>"); at != std::string::npos; at = plot.find("<g>", at + 1)) ++bars;
+  EXPECT_EQ(bars, names.size());
+}
+
+#ifndef __SANITIZE_ADDRESS__  // whose builds have no vector code
+TEST_F(BenchTest, LevelIsTheOneThatRuns) {
+  for (const auto& [plugin, isCapped] :
+       {std::pair{"PictureQRZ.so", false}, {"levels/PictureQRZ-sse2.so", true}}) {
+    // Whatever the file is called.
+    std::filesystem::copy_file(std::string(QRZ_BUILD_FOLDER "/") + plugin, path("any.so"),
+                               std::filesystem::copy_options::overwrite_existing);
+    const Outcome outcome = qrz("bench --size 8x8 --members '^InvertQRZ$' --plugin " +
+                                path("any.so") + " --json " + path("out.json"));
+    ASSERT_EQ(outcome.status, 0) << outcome.output;
+    const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
+    for (const Entry& entry : entriesIn("out.json")) {
+      EXPECT_EQ(entry.level, hasAvx2 && !isCapped ? "AVX2" : "SSE2") << plugin;
+    }
+  }
+}
+#endif
+
+TEST_F(BenchTest, EveryMemberIsMeasuredAndDoesItsWork) {
+  for (const char* mode : {"gworld", "bitmap"}) {
+    const Outcome outcome = qrz("--check bench --size 9x7 --pictures " + std::string(mode));
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(outcome.output, Not(HasSubstr("is not measured"))) << outcome.output;
+  }
+  const Outcome unknown = qrz("bench --plugin " QRZ_BUILD_FOLDER "/libprobe_plugin.so");
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_THAT(unknown.output,
+              HasSubstr("\nProbeText: is not measured; the benchmark has no call for it\n"));
+}
+
+TEST_F(BenchTest, MistakesAreNamed) {
+  const auto expectLine = [](const std::string& arguments, int status, const std::string& start) {
+    const Outcome outcome = qrz("bench " + arguments);
+    EXPECT_EQ(outcome.status, status) << arguments;
+    EXPECT_EQ(outcome.output.find(start), 0U) << outcome.output;
+    EXPECT_EQ(outcome.output.find('\n'), outcome.output.size() - 1) << outcome.output;
+  };
+  expectLine("--members '('", 2, "qrz: --members is a regular expression, which '(' is not: ");
+  for (const char* size : {"12", "0x5", "5x-1", "axb", "5x5x5"}) {
+    expectLine("--size " + std::string(size), 2,
+               "qrz: --size is width x height in pixels, such as 640x480, not '" +
+                   std::string(size) + "'; ");
+  }
+  expectLine("--size 99999x99999", 2,
+             "qrz: --size: a picture of 99999 x 99999 pixels is too large");
+  expectLine("--members Nothing", 1, "no member that is measured matches 'Nothing'");
+  expectLine("--json " + path("none/out.json"), 1, path("none/out.json") + ": cannot be written: ");
+  expectLine("--plot " + folder, 1, folder + ": is a folder or device");
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+// --- Recycling ---------------------------------------------------------------
+
+constexpr int32_t kSide = 401;
+
+Ref<Picture> newPicture(Storage storage, bool blank = true) {
+  runtime().settings.blanksNewPictures = blank;
+  return Picture::create(storage, kSide, kSide);
+}
+
+TEST(StorePool, NewPictureIsWhiteWhateverItsBlockHeld) {
+  std::mt19937 random(1);
+  std::vector<uint32_t> noise(static_cast<size_t>(kSide) * kSide);
+  for (uint32_t& word : noise) word = static_cast<uint32_t>(random());
+  for (const Storage storage : {Storage::GWorld, Storage::Context, Storage::Bitmap}) {
+    newPicture(storage)->setPixels(noise);
+    EXPECT_EQ(newPicture(storage, false)->pixels() == noise, kRecyclesStores);
+    EXPECT_EQ(newPicture(storage)->pixels(), std::vector<uint32_t>(noise.size(), 0x00FFFFFF));
+  }
+}
+
+TEST(StorePool, WhatLiesBehindARowIsZero) {
+  const auto bytesOf = [](const Ref<Picture>& picture) {
+    const auto pixels = standin::pixelsOf(static_cast<GWorldPtr>(picture->store().data()));
+    return std::span(pixels.base, static_cast<size_t>(pixels.rowBytes) * kSide);
+  };
+  std::ranges::fill(bytesOf(newPicture(Storage::GWorld)), uint8_t{0x77});
+  const auto picture = newPicture(Storage::GWorld);
+  const auto bytes = bytesOf(picture);
+  const size_t rowBytes = bytes.size() / kSide;
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    const bool isBehind = i % rowBytes >= size_t{4} * kSide;
+    ASSERT_TRUE(bytes[i] == 0 || !isBehind) << i;
+  }
+}
+
+TEST(StorePool, KeepsNoMoreThanItMay) {
+  constexpr size_t kSize = size_t{16} << 20;
+  constexpr size_t kBlocks = 20;
+  const auto makeAll = [] {
+    std::vector<StoreBlock> blocks;
+    while (blocks.size() < kBlocks) blocks.push_back(newStoreBlock(kSize));
+    return blocks;
+  };
+  for (const StoreBlock& block : makeAll()) block.get()[kSize / 2] = 0x5A;
+  size_t kept = 0;
+  for (const StoreBlock& block : makeAll()) kept += block.get()[kSize / 2] == 0x5A ? 1 : 0;
+  EXPECT_EQ(kept, kRecyclesStores ? kMostKeptBytes / kSize : 0);
+}
+
+}  // namespace
+}  // namespace host

@@ -45,7 +45,10 @@ class BenchTest : public FolderTest {
     std::istringstream lines(text.substr(kStart.size(), text.size() - kStart.size() - kEnd.size()));
     std::vector<Entry> entries;
     for (std::string line; std::getline(lines, line);) {
-      char member[100], size[20], content[20], level[20];
+      char member[100] = "";
+      char size[20] = "";
+      char content[20] = "";
+      char level[20] = "";
       Entry entry{};
       int end = 0;
       sscanf(line.c_str(),

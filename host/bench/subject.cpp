@@ -24,16 +24,25 @@ uint32_t grained(uint32_t channel, uint32_t random) {
   return static_cast<uint32_t>(std::clamp(moved, 0, 255));
 }
 
+/// A drawn picture with grain. Larger ones repeat what is drawn, which takes
+/// longer than measuring, but not the grain.
 Ref<Picture> photo(PictureSize size, Image (*draw)(int32_t width, int32_t height), uint32_t seed) {
-  Image image = draw(size.width, size.height);
-  std::minstd_rand random(seed);
-  for (uint32_t& word : image.pixels) {
-    const auto grain = static_cast<uint32_t>(random());
-    word = grained(word >> 16, grain) << 16 | grained(word >> 8, grain >> 8) << 8 |
-           grained(word, grain >> 16);
-  }
+  constexpr int32_t kLongestSide = 1024;
+  const Image image = draw(std::min(size.width, kLongestSide), std::min(size.height, kLongestSide));
   auto picture = newPicture(size);
-  picture->setPixels(image.pixels);
+  std::minstd_rand random(seed);
+  std::vector<uint32_t> row(static_cast<size_t>(size.width));
+  for (int32_t y = 0; y < size.height; ++y) {
+    const uint32_t* drawn = image.pixels.data() + y % image.height * image.width;
+    for (int32_t x = 0; x < size.width; ++x) {
+      const uint32_t word = drawn[x % image.width];
+      const auto grain = static_cast<uint32_t>(random());
+      row[static_cast<size_t>(x)] = grained(word >> 16, grain) << 16 |
+                                    grained(word >> 8, grain >> 8) << 8 |
+                                    grained(word, grain >> 16);
+    }
+    picture->store().write({0, y, size.width}, row.data());
+  }
   return picture;
 }
 

@@ -31,7 +31,7 @@ int makeGallery(const std::string& folder);
 
 /// What `qrz bench` was asked for.
 struct BenchOptions {
-  std::string members;             ///< an extended regular expression for their names; empty for all
+  std::string members;             ///< an extended regular expression; empty for all
   std::vector<std::string> sizes;  ///< "640x480"
   std::string json, plot;          ///< files to write; empty for none
 };

@@ -17,9 +17,6 @@ struct BenchResult {
   std::string_view content;
   std::string level;  ///< see observedLevel
   Measurement time;
-
-  /// How many plain copies the member takes; fastest run against fastest run.
-  [[nodiscard]] double ratio() const { return time.fastest / time.fastestCopy; }
 };
 
 /// One measurement to come.

@@ -115,6 +115,11 @@ class CopyRuns {
   StoreBlock source_;
 };
 
+double medianOf(std::vector<double> numbers) {
+  std::ranges::sort(numbers);
+  return numbers[numbers.size() / 2];
+}
+
 size_t writtenBytes(const Value& result, double pixels) {
   if (const auto* text = std::get_if<std::string>(&result)) return text->size();
   return kPixelBytes * static_cast<size_t>(pixels);
@@ -137,14 +142,12 @@ Measurement measure(const BenchCase& benchCase, const Member& member, const Subj
   const int64_t calls = callsPerRun(runs.run(1));
   const int64_t copiesPerRun = callsPerRun(copies.run(1));
   std::vector<double> times;
-  double fastestCopy = 0;
+  std::vector<double> copyTimes;
   for (int i = 0; i < kRuns; ++i) {
     times.push_back(runs.run(calls).count() / pixels);
-    const double copy = copies.run(copiesPerRun).count() / pixels;
-    fastestCopy = i == 0 ? copy : std::min(fastestCopy, copy);
+    copyTimes.push_back(copies.run(copiesPerRun).count() / pixels);
   }
-  std::ranges::sort(times);
-  return {times.front(), times[times.size() / 2], fastestCopy};
+  return {std::ranges::min(times), medianOf(times), medianOf(copyTimes)};
 }
 
 }  // namespace host

@@ -10,9 +10,13 @@ namespace host {
 
 /// Nanoseconds per pixel of the subject.
 struct Measurement {
-  double fastest;      ///< of all runs
-  double median;       ///< of all runs
-  double fastestCopy;  ///< of the copies of what the member writes
+  double fastest;  ///< of the member's runs
+  double median;   ///< of the member's runs
+  double copy;     ///< median of the copies of what the member writes
+
+  /// How many plain copies the member takes. Member and copy run by turns, so that
+  /// whatever else the machine does slows the medians of both.
+  [[nodiscard]] double ratio() const { return median / copy; }
 };
 
 /// The member did not do what is to be measured; what() says which did not.

@@ -162,20 +162,20 @@ class Plot {
   }
 
   void drawBar(const BenchResult& result, int32_t x, int32_t y, const char* kind) {
-    const double length = std::min<double>(result.ratio(), kMostCopies) * kCopyWidth;
+    const double length = std::min<double>(result.time.ratio(), kMostCopies) * kCopyWidth;
     const int32_t end = x + static_cast<int32_t>(length);
     drawing_.add(R"(<g><rect class="%s" x="%d" y="%d" width="%.1f" height="%d"/>)", kind, x, y,
                  length, kBarHeight - 1);
     // A gap in a bar says that it is longer.
-    if (result.ratio() > kMostCopies) {
+    if (result.time.ratio() > kMostCopies) {
       drawing_.add(R"(<path class="ground" d="M%d %dh4l-4 %dh-4z"/>)", end - 10, y, kBarHeight - 1);
     }
     drawing_.addRaw("<title>");
     drawing_.addRaw(escaped(result.member + ", " + std::string(result.content) + ": " +
-                            formatted("%.4g ns per pixel, ", result.time.fastest) +
-                            formatted("%.4g copies", result.ratio())));
+                            formatted("%.4g ns per pixel, ", result.time.median) +
+                            formatted("%.4g copies", result.time.ratio())));
     drawing_.addRaw("</title></g>");
-    drawing_.addText("number", end + 4, y + kBarHeight - 1, formatted("%.2f", result.ratio()));
+    drawing_.addText("number", end + 4, y + kBarHeight - 1, formatted("%.2f", result.time.ratio()));
   }
 
   const std::vector<BenchResult>& results_;

@@ -130,7 +130,8 @@ size_t longestName(const std::vector<BenchStep>& steps) {
 int measureAll(const BenchOptions& options, const std::vector<BenchStep>& steps) {
   Benchmark benchmark;
   const size_t nameWidth = longestName(steps);
-  std::cout << "CPU level " << benchmark.level() << '\n' << tableHeader(nameWidth) << std::endl;
+  std::cout << "Nanoseconds per pixel, CPU level " << benchmark.level() << '\n'
+            << tableHeader(nameWidth) << std::endl;
   std::vector<BenchResult> results;
   Progress progress(steps.size());
   for (const BenchStep& step : steps) {

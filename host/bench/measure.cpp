@@ -19,7 +19,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Nanoseconds = std::chrono::duration<double, std::nano>;
 
-constexpr int kRuns = 15;
+constexpr size_t kFewestRuns = 15;
+/// Short runs are repeated more often: being interrupted slows them most.
+constexpr Nanoseconds kShortestTotal = std::chrono::milliseconds(40);
 constexpr Nanoseconds kShortestRun = std::chrono::milliseconds(1);
 constexpr size_t kPixelBytes = 4;
 
@@ -143,8 +145,10 @@ Measurement measure(const BenchCase& benchCase, const Member& member, const Subj
   const int64_t copiesPerRun = callsPerRun(copies.run(1));
   std::vector<double> times;
   std::vector<double> copyTimes;
-  for (int i = 0; i < kRuns; ++i) {
-    times.push_back(runs.run(calls).count() / pixels);
+  for (Nanoseconds total(0); times.size() < kFewestRuns || total < kShortestTotal;) {
+    const Nanoseconds time = runs.run(calls);
+    total += std::max(time * calls, kShortestRun / 2);
+    times.push_back(time.count() / pixels);
     copyTimes.push_back(copies.run(copiesPerRun).count() / pixels);
   }
   return {std::ranges::min(times), medianOf(times), medianOf(copyTimes)};

@@ -26,7 +26,7 @@ class NotMeasured : public std::runtime_error {
 };
 
 /// Runs the member and, between its runs, a plain copy by turns. A run is as many
-/// calls as take about a millisecond, at least one. Only the time inside the
+/// calls as take about a millisecond, at least one; there are 15 or more. Only the time inside the
 /// plug-in's function counts: arguments are made before and results released
 /// after it. New pictures are not filled, and their blocks are used again. The
 /// copy has as many bytes as the member writes: those of a string, else four a

@@ -10,17 +10,17 @@ namespace qrz {
 
 /// Points per axis of the lattice; `Run` uses the first 16, which stand for the
 /// levels 0, 17, … 255.
-constexpr uint32_t kLut3DPoints = 18;
-constexpr uint32_t kLut3DUsedPoints = 16;
-constexpr uint32_t kLut3DLevelsPerPoint = 17;
-constexpr uint32_t kLut3DChannels = 3;
+constexpr uint16_t kLut3DPoints = 18;
+constexpr uint16_t kLut3DUsedPoints = 16;
+constexpr uint16_t kLut3DLevelsPerPoint = 17;
+constexpr uint16_t kLut3DChannels = 3;
 
 /// Distances in the table, in elements: red is outermost, the three output
 /// channels of a point lie side by side.
-constexpr uint32_t kLut3DBlueStride = kLut3DChannels;
-constexpr uint32_t kLut3DGreenStride = kLut3DPoints * kLut3DBlueStride;
-constexpr uint32_t kLut3DRedStride = kLut3DPoints * kLut3DGreenStride;
-constexpr uint32_t kLut3DElements = kLut3DPoints * kLut3DRedStride;
+constexpr uint16_t kLut3DBlueStride = kLut3DChannels;
+constexpr uint16_t kLut3DGreenStride = kLut3DPoints * kLut3DBlueStride;
+constexpr uint16_t kLut3DRedStride = kLut3DPoints * kLut3DGreenStride;
+constexpr uint16_t kLut3DElements = kLut3DPoints * kLut3DRedStride;
 
 /// The host aligns instance data to words only.
 typedef double Lut3DElement __attribute__((aligned(4)));

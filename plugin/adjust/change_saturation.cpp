@@ -12,7 +12,7 @@ namespace qrz {
 namespace {
 
 struct SaturationRow {
-  int32_t factor;
+  float factor;  ///< a whole number of 255ths
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
@@ -32,7 +32,7 @@ HostPicture ChangeSaturationQRZ(HostPicture picture, int32_t Amount) {
   // factors give the same bytes.
   constexpr int64_t kEnough = 256 * 255;
   const int64_t factor = std::clamp(int64_t{Amount} + 255, -kEnough, kEnough);
-  return filterPicture(picture, wholePicture, SaturationRow{static_cast<int32_t>(factor)});
+  return filterPicture(picture, wholePicture, SaturationRow{static_cast<float>(factor)});
 }
 
 }  // namespace qrz

@@ -1,7 +1,9 @@
 // ScrollHorizontalQRZ, ScrollVerticalQRZ, ScrollQRZ: a picture's pixels moved
 // in place.
 
+#include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "plugin/pixels/buffer.h"
 #include "plugin/pixels/lock.h"
@@ -26,21 +28,19 @@ void rotate(uint8_t* bytes, int64_t count, int64_t shift, int64_t unit, uint8_t*
   }
 }
 
-/// Bytes that rotate needs.
-int64_t rotationBytes(int64_t count, int64_t shift, int64_t unit) {
-  return (shift < count - shift ? shift : count - shift) * unit;
-}
-
 /// Along a row; a failure to move counts as done.
 struct Horizontal {
   static constexpr int32_t resultOfFailure = 1;
   static constexpr bool isHorizontal = true;
 
   static int32_t length(const GWorldLock& lock) { return lock.width(); }
-  static int64_t unit(const GWorldLock& lock) { return lock.bytesPerPixel(); }
+  /// For the shorter stretch of a row.
+  static int64_t bufferBytes(const GWorldLock& lock, int32_t shift) {
+    return int64_t{lock.bytesPerPixel()} * std::min(shift, lock.width() - shift);
+  }
   static void rotateAll(const GWorldLock& lock, int32_t shift, uint8_t* buffer) {
     for (int32_t y = 0; y < lock.height(); ++y) {
-      rotate(lock.row(y), lock.width(), shift, unit(lock), buffer);
+      rotate(lock.row(y), lock.width(), shift, lock.bytesPerPixel(), buffer);
     }
   }
 };
@@ -51,9 +51,25 @@ struct Vertical {
   static constexpr bool isHorizontal = false;
 
   static int32_t length(const GWorldLock& lock) { return lock.height(); }
-  static int64_t unit(const GWorldLock& lock) { return lock.rowBytes(); }
+  static int64_t bufferBytes(const GWorldLock& lock, int32_t /*shift*/) { return lock.rowBytes(); }
+  /// Every row moves once, straight to its place: the rows that take each
+  /// other's place form as many circles as the greatest common divisor says.
   static void rotateAll(const GWorldLock& lock, int32_t shift, uint8_t* buffer) {
-    rotate(lock.row(0), lock.height(), shift, unit(lock), buffer);
+    const auto bytes = static_cast<size_t>(lock.rowBytes());
+    const int32_t rows = lock.height();
+    for (int32_t first = std::gcd(rows, shift) - 1; first >= 0; --first) {
+      memcpy(buffer, lock.row(first), bytes);
+      int32_t to = first;
+      for (int32_t from = rowBefore(to, shift, rows); from != first;
+           from = rowBefore(to, shift, rows)) {
+        memcpy(lock.row(to), lock.row(from), bytes);
+        to = from;
+      }
+      memcpy(lock.row(to), buffer, bytes);
+    }
+  }
+  static int32_t rowBefore(int32_t y, int32_t shift, int32_t rows) {
+    return y < shift ? y - shift + rows : y - shift;
   }
 };
 
@@ -112,7 +128,7 @@ int32_t scrollWithWrap(HostPicture picture, int32_t delta) {
   const int32_t remainder = delta % length;
   const int32_t shift = remainder >= 0 ? remainder : remainder + length;
   if (shift == 0) return 1;
-  const Buffer<uint8_t> buffer(rotationBytes(length, shift, Axis::unit(lock)));
+  const Buffer<uint8_t> buffer(Axis::bufferBytes(lock, shift));
   if (!buffer) return Axis::resultOfFailure;
   Axis::rotateAll(lock, shift, buffer.data());
   return 1;

@@ -9,12 +9,16 @@
 namespace qrz {
 namespace {
 
-/// Weights in 1024ths and offsets in channel values.
-template <typename Sum>
+/// Weights in 1024ths, whole numbers of a type that holds 255 times all three
+/// together, and offsets in channel values.
+template <typename Weight, typename Offset>
 struct SepiaTone {
-  Sum weightRed, weightGreen, weightBlue;
-  Sum red, green, blue;
+  Weight weightRed, weightGreen, weightBlue;
+  Offset red, green, blue;
 };
+/// Single precision is exact up to 2^24, and quick at every CPU level.
+using NarrowTone = SepiaTone<float, int32_t>;
+using WideTone = SepiaTone<int64_t, int64_t>;
 
 }  // namespace
 }  // namespace qrz
@@ -25,17 +29,17 @@ struct SepiaTone {
 namespace qrz {
 namespace {
 
-template <typename Sum>
+template <typename Tone>
 struct SepiaRow {
-  SepiaTone<Sum> tone;
+  Tone tone;
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(sepiaRow<Sum, Format>(destination, count, source, tone));
+    QRZ_KERNEL_CALL(sepiaRow<Format>(destination, count, source, tone));
   }
 };
 
-SepiaTone<int64_t> toneOf(const PictureSepia& sepia) {
+WideTone toneOf(const PictureSepia& sepia) {
   return {saturatedInteger(sepia.FactorRed * 1024.0),
           saturatedInteger(sepia.FactorGreen * 1024.0),
           saturatedInteger(sepia.FactorBlue * 1024.0),
@@ -46,22 +50,22 @@ SepiaTone<int64_t> toneOf(const PictureSepia& sepia) {
 
 int64_t magnitude(int64_t value) { return value < 0 ? -value : value; }
 
-/// Whether 255 times the weights stays inside 32 bits.
-bool isNarrow(const SepiaTone<int64_t>& tone) {
+/// Whether 255 times the weights stays below 2^24.
+bool isNarrow(const WideTone& tone) {
   return magnitude(tone.weightRed) + magnitude(tone.weightGreen) + magnitude(tone.weightBlue) <=
-         INT32_MAX / 255;
+         ((1 << 24) - 1) / 255;
 }
 
-/// The same in 32 bits. The luminance then stays inside ±2,097,152: an offset
-/// beyond twice that gives 0 or 255 whatever the pixel, and so does the limit.
-SepiaTone<int32_t> narrow(const SepiaTone<int64_t>& tone) {
+/// The same with small weights. The luminance then stays inside ±16,384: an
+/// offset far beyond that gives 0 or 255 whatever the pixel, and so does the limit.
+NarrowTone narrow(const WideTone& tone) {
   const auto offset = [](int64_t value) {
     constexpr int64_t kLimit = 4'194'304;
     return static_cast<int32_t>(std::clamp(value, -kLimit, kLimit));
   };
-  return {static_cast<int32_t>(tone.weightRed),
-          static_cast<int32_t>(tone.weightGreen),
-          static_cast<int32_t>(tone.weightBlue),
+  return {static_cast<float>(tone.weightRed),
+          static_cast<float>(tone.weightGreen),
+          static_cast<float>(tone.weightBlue),
           offset(tone.red),
           offset(tone.green),
           offset(tone.blue)};
@@ -89,9 +93,9 @@ int32_t RunSepiaQRZ(HostObject instance) {
   const auto run = [&](const auto& operation) {
     return filterPicture(filter.SourcePicture, filter.region(), operation, store);
   };
-  const SepiaTone<int64_t> tone = toneOf(sepia);
+  const WideTone tone = toneOf(sepia);
   HostPicture made =
-      isNarrow(tone) ? run(SepiaRow<int32_t>{narrow(tone)}) : run(SepiaRow<int64_t>{tone});
+      isNarrow(tone) ? run(SepiaRow<NarrowTone>{narrow(tone)}) : run(SepiaRow<WideTone>{tone});
   return made != nullptr ? 1 : 0;
 }
 

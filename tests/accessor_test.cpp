@@ -75,16 +75,6 @@ TEST_F(AccessorTest, CallsOnPictData) {
   EXPECT_TRUE(inverts(source));
 }
 
-TEST_F(AccessorTest, EmptyRectangleStillMakesAPicture) {
-  const Value nothing = 0;
-  const auto calls = callsDuring([&] {
-    EXPECT_TRUE(filter(
-        "InvertQRZ(left as integer,top as integer,width as integer,height as integer) as picture",
-        picture(Storage::GWorld), {nothing, nothing, nothing, nothing}));
-  });
-  EXPECT_EQ(calls, joined({openGWorld, createGWorld, finishGWorld, closeGWorld}));
-}
-
 // --- The copy of pictures that cannot be addressed ---------------------------
 
 TEST_F(AccessorTest, CopyIsMadeByTheOlderServiceIfThatIsAllThereIs) {
@@ -286,21 +276,6 @@ TEST_F(AccessorTest, NewPicturesOfUnknownKindAreReleased) {
 
 class FailureTest : public RepresentationTest {};
 QRZ_ALL_REPRESENTATIONS(FailureTest);
-
-TEST_P(FailureTest, LeavesNothingLockedAndNoReference) {
-  const auto source = randomPicture(7, 5);
-  const Class* lutClass = runtime().registry.findClass("PictureLut3DQRZ");
-  const Value made = lutClass->constructors.front().call(nullptr, {});
-  Object* lut = objectOf(made);
-  assign("PictureLut3DQRZ", "SourcePicture as Picture", lut, {}, objectValue(source));
-  expectNothingLeftByFailures([&] {
-    const Unchanged unchanged(source);
-    filter(kInvert, source);
-    call("PictureLut3DQRZ", "Run as boolean", lut);
-    assign("PictureLut3DQRZ", "DestinationPicture as Picture", lut, {}, Nil{});
-  });
-  EXPECT_TRUE(filter(kInvert, source)) << "it works the next time";
-}
 
 }  // namespace
 }  // namespace host

@@ -54,6 +54,7 @@ TEST_F(BindingTest, StringsKeepTheirBytesUnlessTheyAreWide) {
   EXPECT_EQ(made("\xAC\x20\0\0"sv, qrz::kUTF32).bytes, "\xE2\x82\xAC");
   EXPECT_EQ(made("", qrz::kASCII).bytes, "nil");
   EXPECT_EQ(qrz::MakeHostString(nullptr, 3, qrz::kASCII), nullptr);
+  EXPECT_EQ(qrz::textOf(nullptr).length, 0);
 }
 
 TEST_F(BindingTest, FailedConversionFreesTheString) {

@@ -1,15 +1,100 @@
-// Rows at odd addresses with guard bytes around them: whatever the width, the
-// members read and write their pixels and no byte besides.
+// What the members that make pictures have in common: nil gives nil, and failing
+// hosts leave nothing behind; with rows at odd addresses and guard bytes around
+// them, they read and write their pixels and no byte besides.
 
 #include <cstdlib>
 #include <cstring>
-#include <map>
 
 #include "platform/standin/standin.h"
-#include "tests/support/plugin_test.h"
+#include "tests/support/checks.h"
+#include "tests/support/rectangle.h"
 
 namespace host {
 namespace {
+
+/// A member that makes a picture.
+struct MemberCall {
+  std::string declaration;
+  std::vector<Value> arguments;
+  bool isGlobal = false;
+
+  Ref<Picture> on(const Ref<Picture>& self) const {
+    if (isGlobal) return pictureOf(PluginTest::call("", declaration, nullptr, arguments));
+    return PluginTest::filter(declaration, self, arguments);
+  }
+};
+
+/// Each of them; wherever it takes a picture, it gets this one.
+std::vector<MemberCall> memberCalls(const Ref<Picture>& picture) {
+  const Value self = objectValue(picture);
+  const Value table = objectValue(memoryBlock(std::vector<uint8_t>(256, 77)));
+  const Color one{0x4C961D};
+  const Color two{0xFFE0B0};
+  const std::string rectangle = rectangleParameters + " as picture";
+  const std::string ofChannels = "(r as double, g as double, b as double) as picture";
+  return {
+      {"InvertQRZ as picture", {}},
+      {"InvertQRZ" + rectangle, {1, 1, -1, 2}},
+      {"InvertGrayQRZ as picture", {}},
+      {"InvertGrayQRZ" + rectangle, {1, 1, -1, 2}},
+      {"EmbeddedMaskQRZ(swap as boolean) as picture", {true}},
+      {"ExtractColorRectangleMaskQRZ as picture", {}},
+      {"ExtractColorRectangleMaskQRZ" + rectangle, {1, 1, -1, 2}},
+      {"ChangeBrightnessLinearQRZ(x as double) as picture", {0.5}},
+      {"ChangeBrightnessLinearQRZ" + ofChannels, {0.5, 1.0, 2.0}},
+      {"ChangeBrightnessAbsoluteQRZ(x as double) as picture", {0.5}},
+      {"ChangeBrightnessAbsoluteQRZ" + ofChannels, {0.5, 1.0, 2.0}},
+      {"ChangeContrastQRZ(x as double) as picture", {0.5}},
+      {"ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture", {0.5, 1.0, 2.0}},
+      {"ChangeCustomQRZ(a as double, b as double) as picture", {0.5, 1.0}},
+      {"ChangeSaturationQRZ(Amount as integer) as picture", {100}},
+      {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", {self}},
+      {"ReplaceGreenChannelQRZ(GreenChannel as picture) as picture", {self}},
+      {"ReplaceBlueChannelQRZ(BlueChannel as picture) as picture", {self}},
+      {"TransformColorsQRZ(red as memoryblock, blue as memoryblock, green as memoryblock) as "
+       "picture",
+       {table, table, table}},
+      {"ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture", {one, two}},
+      {"ExtractColorQRZ(SearchColor as color, ReplaceWithColor as color, BackGroundColor as "
+       "color) as picture",
+       {one, two, one}},
+      {"CombinePicturesQRZ(red as picture, blue as picture, green as picture) as picture",
+       {self, self, self},
+       true},
+      {"MergePictureQRZ(source1 as picture, source2 as picture) as picture", {self, self}, true},
+      {"TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
+       {self, one, two},
+       true},
+  };
+}
+
+class MembersTest : public RepresentationTest {};
+QRZ_ALL_REPRESENTATIONS(MembersTest);
+
+TEST_P(MembersTest, NilGivesNil) {
+  const auto picture = randomPicture(5, 4);
+  const Unchanged unchanged(picture);
+  for (const bool isGlobal : {false, true}) {
+    for (const MemberCall& member : memberCalls(isGlobal ? nullptr : picture)) {
+      if (member.isGlobal != isGlobal) continue;
+      EXPECT_FALSE(member.on(nullptr)) << member.declaration;
+    }
+  }
+}
+
+TEST_P(MembersTest, FailingHostsLeaveNothing) {
+  const auto picture = randomPicture(5, 4);
+  for (const MemberCall& member : memberCalls(picture)) {
+    SCOPED_TRACE(member.declaration);
+    expectNothingLeftByFailures([&] {
+      const Unchanged unchanged(picture);
+      member.on(picture);
+    });
+    EXPECT_TRUE(member.on(picture)) << "it works the next time";
+  }
+}
+
+// --- Rows at odd addresses --------------------------------------------------
 
 constexpr uint8_t kGuard = 0xA5;
 
@@ -116,48 +201,28 @@ INSTANTIATE_TEST_SUITE_P(All, GuardTest,
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(GuardTest, OnlyThePixelsAreWritten) {
-  const auto instance = [](const char* className) {
-    return runtime().registry.findClass(className)->constructors.front().call(nullptr, {});
-  };
-  const std::map<const char*, Value> instances = {{"PictureLut3DQRZ", instance("PictureLut3DQRZ")},
-                                                  {"PictureSepiaQRZ", instance("PictureSepiaQRZ")}};
+  std::vector<std::pair<const char*, Value>> instances;
+  for (const char* name : {"PictureLut3DQRZ", "PictureSepiaQRZ"}) {
+    const Class* type = runtime().registry.findClass(name);
+    instances.emplace_back(name, type->constructors.front().call(nullptr, {}));
+  }
   for (int32_t width = 1; width <= 70; ++width) {
     const auto picture = source(width, 4);
     const auto before = picture->pixels();
-    const Value self = objectValue(picture);
-    const std::vector<std::pair<const char*, std::vector<Value>>> members = {
-        {"InvertQRZ as picture", {}},
-        {"InvertGrayQRZ as picture", {}},
-        {"EmbeddedMaskQRZ(swap as boolean) as picture", {true}},
-        {"ExtractColorRectangleMaskQRZ as picture", {}},
-        {"ChangeContrastQRZ(x as double) as picture", {0.5}},
-        {"ChangeSaturationQRZ(Amount as integer) as picture", {100}},
-        {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", {self}},
-        {"ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture",
-         {Color{1}, Color{2}}},
-    };
-    for (const auto& [member, arguments] : members) {
-      const auto result = filter(member, picture, arguments);
+    for (const MemberCall& member : memberCalls(picture)) {
+      const auto result = member.on(picture);
       ASSERT_TRUE(result);
-      EXPECT_TRUE(isIntact(*result)) << member << " of width " << width;
+      EXPECT_TRUE(isIntact(*result)) << member.declaration << " of width " << width;
     }
-    const std::vector<std::pair<const char*, std::vector<Value>>> globals = {
-        {"CombinePicturesQRZ(red as picture, blue as picture, green as picture) as picture",
-         {self, self, self}},
-        {"MergePictureQRZ(source1 as picture, source2 as picture) as picture", {self, self}},
-        {"TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
-         {self, Color{0x4C961D}, Color{0xFFE0B0}}},
-    };
-    for (const auto& [member, arguments] : globals) {
-      const Value result = call("", member, nullptr, arguments);
-      EXPECT_TRUE(isIntact(*objectAs<Picture>(result))) << member << " of width " << width;
+    for (const auto& [name, instance] : instances) {
+      Object* object = objectOf(instance);
+      assign(name, "SourcePicture as Picture", object, {}, objectValue(picture));
+      EXPECT_EQ(call(name, "Run as boolean", object), Value{true});
+      const auto result = pictureOf(call(name, "DestinationPicture as Picture", object));
+      EXPECT_TRUE(isIntact(*result)) << name << " of width " << width;
     }
-    for (const auto& [name, object] : instances) {
-      assign(name, "SourcePicture as Picture", objectOf(object), {}, self);
-      EXPECT_EQ(call(name, "Run as boolean", objectOf(object)), Value{true});
-      const Value result = call(name, "DestinationPicture as Picture", objectOf(object));
-      EXPECT_TRUE(isIntact(*objectAs<Picture>(result))) << name << " of width " << width;
-    }
+    const auto inverted = mappedPixels(*picture, [](uint32_t rgb) { return 0x00FFFFFF - rgb; });
+    EXPECT_TRUE(samePixels(*filter("InvertQRZ as picture", picture), inverted));
     EXPECT_TRUE(isIntact(*picture));
     EXPECT_TRUE(samePixels(*picture, before));
   }
@@ -212,17 +277,6 @@ TEST_P(GuardTest, RowsAtOddAddressesAreReadAsOthers) {
     EXPECT_TRUE(isIntact(*objectAs<Picture>(back))) << width;
     EXPECT_EQ(call("", "PicturetoBinaryStringQRZ(p as picture) as string", nullptr, {back}),
               expected[0]);
-  }
-}
-
-TEST_P(GuardTest, RowsAtOddAddressesAreInverted) {
-  for (int32_t width = 1; width <= 70; ++width) {
-    const auto picture = source(width, 3);
-    const auto result = filter("InvertQRZ as picture", picture);
-    ASSERT_TRUE(result);
-    const auto always = [](int32_t, int32_t) { return true; };
-    const auto invert = [](uint32_t rgb) { return 0x00FFFFFF - rgb; };
-    EXPECT_TRUE(samePixels(*result, expectedPixels(*picture, always, invert)));
   }
 }
 

@@ -69,23 +69,5 @@ TEST_P(InvertTest, RectanglesInsideAcrossAndOutside) {
   }
 }
 
-TEST_P(InvertTest, TwiceGivesTheColoursBack) {
-  const auto source = randomPicture(66, 9);
-  const auto once = filter(operations[0].whole(), source);
-  ASSERT_TRUE(once);
-  const auto twice = filter(operations[0].whole(), once);
-  ASSERT_TRUE(twice);
-  const auto always = [](int32_t, int32_t) { return true; };
-  const auto same = [](uint32_t rgb) { return rgb; };
-  EXPECT_TRUE(samePixels(*twice, expectedPixels(*source, always, same)));
-}
-
-TEST_P(InvertTest, NilGivesNil) {
-  for (const Operation& operation : operations) {
-    EXPECT_FALSE(filter(operation.whole(), nullptr));
-    EXPECT_FALSE(filter(operation.rectangle(), nullptr, values({0, 0, 1, 1})));
-  }
-}
-
 }  // namespace
 }  // namespace host

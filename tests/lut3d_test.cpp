@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/support/checks.h"
 #include "tests/support/filter_class_test.h"
 
 namespace host {
@@ -202,6 +203,16 @@ TEST_P(Lut3DTest, PicturesChangeHandsWithTheirReferences) {
   EXPECT_EQ(table(3, 3, 3, 0), 1.5);
   set(kSource, objectValue(source));
   EXPECT_TRUE(run()) << "the instance works after Close";
+}
+
+TEST_P(Lut3DTest, FailingHostsLeaveNothing) {
+  const auto source = randomPicture(7, 5);
+  set(kSource, objectValue(source));
+  expectNothingLeftByFailures([&] {
+    run();
+    set(kDestination, Nil{});
+  });
+  EXPECT_TRUE(run()) << "it works the next time";
 }
 
 TEST_P(Lut3DTest, PropertiesAreTheFieldsOfTheirNames) {

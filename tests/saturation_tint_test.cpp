@@ -101,18 +101,6 @@ TEST_P(SaturationTintTest, TintWithAnyColoursOnAllWidths) {
   expectTinted(source, 0xFF4C961D, 0xABFFE0B0);
 }
 
-TEST_P(SaturationTintTest, GreysKeepTheirSaturation) {
-  const auto greys = emptyPicture(256, 1);
-  std::vector<uint32_t> words(256);
-  for (uint32_t i = 0; i < 256; ++i) words[i] = i * 0x010101;
-  greys->setPixels(words);
-  words = greys->pixels();
-  if (GetParam().depth == 16) return;  // whose greys are not all grey
-  for (const int32_t amount : {INT_MIN, -255, 0, 77, INT_MAX}) {
-    EXPECT_TRUE(isNewPicture(saturate(greys, amount), 256, words)) << amount;
-  }
-}
-
 TEST_P(SaturationTintTest, WorkedColours) {
   if (GetParam().depth == 16) return;  // which cannot hold these colours
   const uint32_t saturations[][3] = {{0xFF0000, static_cast<uint32_t>(-255), 0x555555},
@@ -134,14 +122,6 @@ TEST_P(SaturationTintTest, WorkedColours) {
     EXPECT_TRUE(isNewPicture(tint(onePixel(from), greyBase, sepiaBase), 1, {to}))
         << std::hex << from << ", " << greyBase << ", " << sepiaBase;
   }
-}
-
-TEST_P(SaturationTintTest, NilAndFailingHosts) {
-  const auto source = randomPicture(5, 4);
-  EXPECT_FALSE(saturate(nullptr, 10));
-  EXPECT_FALSE(tint(nullptr, 0x4C961D, 0xFFE0B0));
-  expectNothingLeftByFailures([&] { saturate(source, 10); });
-  expectNothingLeftByFailures([&] { tint(source, 0x4C961D, 0xFFE0B0); });
 }
 
 }  // namespace

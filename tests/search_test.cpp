@@ -1,8 +1,5 @@
 // FindPicture against a naive search, and on pictures that are hard to search.
 
-#include <bit>
-#include <optional>
-
 #include "tests/support/calls.h"
 #include "tests/support/checks.h"
 #include "tests/support/plugin_test.h"
@@ -29,12 +26,6 @@ Found find(const Ref<Picture>& haystack, const Ref<Picture>& pattern) {
   std::vector<Value> arguments = {objectValue(pattern), 7, -3};
   const Value result = PluginTest::callByRef("Picture", kFind, haystack.get(), arguments);
   return {std::get<bool>(result), std::get<int32_t>(arguments[1]), std::get<int32_t>(arguments[2])};
-}
-
-std::vector<uint32_t> colorsOf(const Picture& picture) {
-  std::vector<uint32_t> words = picture.pixels();
-  for (uint32_t& word : words) word &= 0xFFFFFF;
-  return words;
 }
 
 Found findNaively(const Picture& haystack, const Picture& pattern) {
@@ -154,47 +145,6 @@ TEST_P(SearchTest, NearlyFlatPictures) {
   }
 }
 
-TEST_P(SearchTest, AutomaticSequences) {
-  // The bit counts' parities repeat none of their stretches three times in a row.
-  const auto parity = [](int32_t i) {
-    return (std::popcount(static_cast<uint32_t>(i)) & 1) != 0 ? 0xFFFFFFU : 0U;
-  };
-  const auto haystack =
-      drawnPicture(512, 3, [&](int32_t x, int32_t y) { return parity(x + 512 * y); });
-  for (int i = 0; i < 20; ++i) {
-    const auto pattern = cutOut(*haystack, upTo(300), i % 3, 64 << i % 2, 1);
-    expectAsNaive(haystack, pattern);
-    const auto complement =
-        drawnPicture(64, 1, [&](int32_t x, int32_t) { return pattern->pixel(x, 0) ^ 0xFFFFFF; });
-    expectAsNaive(haystack, complement);
-  }
-}
-
-TEST_P(SearchTest, TheUpperThenTheLeftOccurrence) {
-  const auto haystack = emptyPicture(40, 12);
-  const auto pattern = emptyPicture(3, 2);
-  pattern->fill(1, 1, 1, 1, 0x2040FF);
-  EXPECT_EQ(find(haystack, pattern), kNothing);
-  for (const auto& [x, y] : {std::pair{5, 9}, {30, 4}, {10, 4}, {39, 1}}) {
-    haystack->fill(x, y, 1, 1, pattern->pixel(1, 1));
-  }
-  EXPECT_EQ(find(haystack, pattern), (Found{true, 9, 3})) << "the one at the edge is cut off";
-  haystack->fill(38, 1, 1, 1, pattern->pixel(1, 1));
-  EXPECT_EQ(find(haystack, pattern), (Found{true, 9, 3}));
-  haystack->fill(39, 1, 1, 1, 0xFFFFFF);
-  EXPECT_EQ(find(haystack, pattern), (Found{true, 37, 0}));
-}
-
-TEST_P(SearchTest, PartialMatchesHideNothing) {
-  // A A B in A A A B; rows 1 2 in rows 1 1 2.
-  const auto row = drawnPicture(4, 3, [](int32_t x, int32_t y) {
-    return x == 3 ? 0xFF0000U : (y == 2 ? 0x0000FFU : 0x00FF00U);
-  });
-  EXPECT_EQ(find(row, cutOut(*row, 1, 0, 3, 1)), (Found{true, 1, 0}));
-  EXPECT_EQ(find(row, cutOut(*row, 0, 1, 2, 2)), (Found{true, 0, 1}));
-  EXPECT_EQ(find(row, cutOut(*row, 2, 1, 2, 2)), (Found{true, 2, 1}));
-}
-
 TEST_P(SearchTest, WholeSinglePixelAndTooLarge) {
   const auto haystack = randomPicture(21, 8);
   EXPECT_EQ(find(haystack, haystack), (Found{true, 0, 0}));
@@ -246,28 +196,19 @@ TEST_F(SearchCallsTest, RowTableFirst) {
   const Calls settled = joined({openGWorld, openGWorld, closeGWorld, closeGWorld});
   EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::GWorld, kAtOnce), joined({refuse, settled}));
   EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::GWorld, kAtOnce), settled);
+  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::Bitmap, kNothing),
+            joined({openGWorld, refuse, closeGWorld}));
+  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::Context, kAtOnce),
+            joined({openGWorld, refuse, makeCopy, openGWorld, dropCopy, closeGWorld, closeGWorld}))
+      << "a copy of the pattern alone";
 }
 
 TEST_F(SearchCallsTest, Bitmaps) {
   const Calls expected = joined({openBitmap, openBitmap, closeBitmap, closeBitmap});
   EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce), expected);
   EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce), expected);
-}
-
-TEST_F(SearchCallsTest, PatternOfAnotherKindThanABitmap) {
   EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::GWorld, kNothing),
             joined({openBitmap, refuse, closeBitmap}));
-}
-
-TEST_F(SearchCallsTest, BitmapInAGWorld) {
-  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::Bitmap, kNothing),
-            joined({refuse, openGWorld, refuse, closeGWorld}));
-}
-
-TEST_F(SearchCallsTest, CopyOfThePatternAlone) {
-  EXPECT_EQ(callsOfFind(Storage::GWorld, Storage::Context, kAtOnce),
-            joined({refuse, openGWorld, refuse, makeCopy, openGWorld, dropCopy, closeGWorld,
-                    closeGWorld}));
 }
 
 // --- Pictures that take a careless search for ever ---------------------------
@@ -291,9 +232,7 @@ class HostileSearchTest : public RepresentationTest {
     EXPECT_EQ(find(haystack, pattern), (Found{true, kWidth - width, kHeight - height}));
   }
 };
-INSTANTIATE_TEST_SUITE_P(All, HostileSearchTest,
-                         testing::Values(allRepresentations[0], allRepresentations[2]),
-                         [](const auto& test) { return std::string(test.param.name); });
+QRZ_NATIVE_REPRESENTATIONS(HostileSearchTest);
 
 TEST_P(HostileSearchTest, WhiteInWhite) {
   const auto white = [](int32_t, int32_t) { return 0xFFFFFFU; };
@@ -302,17 +241,17 @@ TEST_P(HostileSearchTest, WhiteInWhite) {
   expectFoundLast(white, 1, kHeight / 2);
 }
 
-TEST_P(HostileSearchTest, Stripes) {
-  expectFoundLast([](int32_t x, int32_t) { return x % 2 == 0 ? 0U : 0xFFFFFFU; }, 2000, 1500);
-  expectFoundLast([](int32_t, int32_t y) { return y % 3 == 0 ? 0U : 0xFFFFFFU; }, 2000, 1500);
-}
-
-TEST_P(HostileSearchTest, CheckerboardAndBars) {
-  expectFoundLast([](int32_t x, int32_t y) { return (x + y) % 2 == 0 ? 0U : 0xFFFFFFU; }, 2000,
-                  1500);
-  // Long equal stretches that end now and then.
-  expectFoundLast([](int32_t x, int32_t y) { return (x + 7 * y) % 1999 == 0 ? 0U : 0xFFFFFFU; },
-                  1900, 1400);
+TEST_P(HostileSearchTest, StripesCheckerboardAndBars) {
+  const auto expectPeriodic = [&](int32_t dx, int32_t dy, int32_t period) {
+    const auto word = [=](int32_t x, int32_t y) {
+      return (dx * x + dy * y) % period == 0 ? 0U : 0xFFFFFFU;
+    };
+    expectFoundLast(word, 2000, 1500);
+  };
+  expectPeriodic(1, 0, 2);
+  expectPeriodic(0, 1, 3);
+  expectPeriodic(1, 1, 2);
+  expectPeriodic(1, 7, 1999);  // long equal stretches that end now and then
 }
 
 TEST_P(HostileSearchTest, AllButOnePixelInTheMiddle) {

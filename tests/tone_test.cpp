@@ -193,27 +193,5 @@ TEST_P(ToneTest, EveryParameterBelongsToItsChannel) {
   EXPECT_TRUE(isNewPicture(run(kContrast3, source, {0, 0, -1}), 33, keep(0xFFFF00, 0x00007F)));
 }
 
-TEST_P(ToneTest, NilAndFailingHosts) {
-  const auto source = randomPicture(5, 4);
-  for (const Operation& operation : operations) {
-    EXPECT_FALSE(run(operation, nullptr, Arguments(operation.count, 0.5)));
-    expectNothingLeftByFailures([&] { run(operation, source, Arguments(operation.count, 0.5)); });
-  }
-}
-
-TEST_P(ToneTest, SourceIsOpenWhileTheNewPictureIsMade) {
-  LockLog log;
-  const auto source = randomPicture(5, 4);
-  log.name(source, "source");
-  for (const Operation& operation : operations) {
-    EXPECT_TRUE(run(operation, source, Arguments(operation.count, 1)));
-    const std::string locks = log.take();
-    if (operation.declaration == kLinear.declaration) continue;  // it settled the paths
-    const bool isCopied = std::string_view(GetParam().name).starts_with("Copy");
-    EXPECT_EQ(locks,
-              isCopied ? "+source -source +new +new -new -new" : "+source +new -new -source");
-  }
-}
-
 }  // namespace
 }  // namespace host

@@ -15,6 +15,10 @@ std::vector<uint32_t> mappedPixels(const Picture& source,
       source, [](int32_t, int32_t) { return true; }, map);
 }
 
+std::vector<uint32_t> colorsOf(const Picture& picture) {
+  return mappedPixels(picture, [](uint32_t rgb) { return rgb; });
+}
+
 testing::AssertionResult isNewPicture(const Ref<Picture>& result, int32_t width,
                                       const std::vector<uint32_t>& expected) {
   if (!result) return testing::AssertionFailure() << "the result is nil";

@@ -11,9 +11,23 @@
 
 namespace host {
 
+/// Instantiates a test suite for GWorlds and bitmaps, which are read in place.
+#define QRZ_NATIVE_REPRESENTATIONS(SUITE)                                                    \
+  INSTANTIATE_TEST_SUITE_P(                                                                  \
+      All, SUITE, testing::Values(host::allRepresentations[0], host::allRepresentations[2]), \
+      [](const auto& test) { return std::string(test.param.name); })
+
+/// Null for nil.
+inline Ref<Picture> pictureOf(const Value& value) {
+  return Ref<Picture>::share(objectAs<Picture>(value));
+}
+
 /// The source's pixels, each mapped.
 std::vector<uint32_t> mappedPixels(const Picture& source,
                                    const std::function<uint32_t(uint32_t)>& map);
+
+/// The picture's pixels without pads.
+std::vector<uint32_t> colorsOf(const Picture& picture);
 
 /// A picture of that width and those pixels, nobody else's and not locked.
 testing::AssertionResult isNewPicture(const Ref<Picture>& result, int32_t width,

@@ -15,6 +15,8 @@ struct Rectangle {
   int32_t left, top, width, height;
 };
 
+constexpr Rectangle wholePicture = {0, 0, -1, -1};
+
 inline const std::string rectangleParameters =
     "(left as integer,top as integer,width as integer,height as integer)";
 

@@ -61,18 +61,14 @@ TEST_F(AccessorTest, CallsOnBitmaps) {
 }
 
 TEST_F(AccessorTest, CallsOnACopy) {
+  const Calls copied =
+      joined({makeCopy, openGWorld, dropCopy, createGWorld, finishGWorld, closeGWorld});
   for (const int32_t depth : {24, 16}) {
-    EXPECT_EQ(callsOfInvert(picture(Storage::GWorld, depth)),
-              joined({refuseDepth, makeCopy, openGWorld, dropCopy, createGWorld, finishGWorld,
-                      closeGWorld}));
+    EXPECT_EQ(callsOfInvert(picture(Storage::GWorld, depth)), joined({refuseDepth, copied}));
   }
-}
-
-TEST_F(AccessorTest, CallsOnPictData) {
-  const auto source = pictureOver(record(picture(Storage::GWorld)));
-  EXPECT_EQ(callsOfInvert(source), joined({refuse, makeCopy, openGWorld, dropCopy, createGWorld,
-                                           finishGWorld, closeGWorld}));
-  EXPECT_TRUE(inverts(source));
+  const auto pict = pictureOver(record(picture(Storage::GWorld)));
+  EXPECT_EQ(callsOfInvert(pict), joined({refuse, copied}));
+  EXPECT_TRUE(inverts(pict));
 }
 
 // --- The copy of pictures that cannot be addressed ---------------------------
@@ -133,25 +129,19 @@ TEST_F(AccessorTest, NoCopyWithoutASize) {
   EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld, 24)));
 }
 
-uint32_t falseWithGarbageAbove(Object* /*object*/, const char* /*name*/, int32_t* value) {
-  *value = 4;
-  return 0xABCDEF00;
-}
-
-uint32_t anyTrueValue(Object* /*object*/, const char* /*name*/, int32_t* value) {
-  *value = 4;
-  return 0x12345680;
-}
-
 TEST_F(AccessorTest, BooleansOfTheHostAreOneByte) {
   const auto source = picture(Storage::GWorld, 24);
-  runtime().replacedServices["REALGetPropValueInt"] =
-      reinterpret_cast<void*>(falseWithGarbageAbove);
+  auto& answer = runtime().replacedServices["REALGetPropValueInt"];
+  answer = reinterpret_cast<void*>(+[](Object*, const char*, int32_t*) { return 0xABCDEF00; });
   EXPECT_FALSE(filter(kInvert, source));
 }
 
 TEST_F(AccessorTest, EveryNonZeroByteIsTrue) {
-  runtime().replacedServices["REALGetPropValueInt"] = reinterpret_cast<void*>(anyTrueValue);
+  runtime().replacedServices["REALGetPropValueInt"] =
+      reinterpret_cast<void*>(+[](Object*, const char*, int32_t* value) {
+        *value = 4;
+        return 0x12345680;
+      });
   EXPECT_TRUE(inverts(picture(Storage::GWorld, 24)));
 }
 
@@ -244,24 +234,21 @@ Object* newOddContext(int32_t width, int32_t height, int32_t /*depth*/) {
       .detach();
 }
 
-TEST_F(AccessorTest, OddContextsAreReleased) {
-  replaceNewPicture(newOddContext<8, 24, true>);
+using NewPicture = Object* (*)(int32_t width, int32_t height, int32_t depth);
+
+class OddContextTest : public AccessorTest, public testing::WithParamInterface<NewPicture> {};
+INSTANTIATE_TEST_SUITE_P(All, OddContextTest,
+                         testing::Values(newOddContext<8, 24, true>, newOddContext<16, 32, true>,
+                                         newOddContext<8, 32, false>));
+
+TEST_P(OddContextTest, IsReleased) {
+  replaceNewPicture(GetParam());
   EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
   EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld))); }),
             joined({openGWorld,
                     {createContext.begin() + 1, createContext.end()},
                     {"unlockPictureDescription", "REALUnlockObject"},
                     closeGWorld}));
-}
-
-TEST_F(AccessorTest, ContextsOfWideComponentsAreReleased) {
-  replaceNewPicture(newOddContext<16, 32, true>);
-  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
-}
-
-TEST_F(AccessorTest, ContextsWithoutPixelsAreReleased) {
-  replaceNewPicture(newOddContext<8, 32, false>);
-  EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
 }
 
 TEST_F(AccessorTest, NewPicturesOfUnknownKindAreReleased) {
@@ -271,11 +258,6 @@ TEST_F(AccessorTest, NewPicturesOfUnknownKindAreReleased) {
   });
   EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
 }
-
-// --- Every call fails once ---------------------------------------------------
-
-class FailureTest : public RepresentationTest {};
-QRZ_ALL_REPRESENTATIONS(FailureTest);
 
 }  // namespace
 }  // namespace host

@@ -1,6 +1,6 @@
-// Host helpers that operations share and no registered member shows alone yet:
-// strings, exceptions, properties, copies by row. The plug-in's own objects are
-// linked into this program, with the headless host behind them.
+// Host helpers that operations share and no registered member shows alone:
+// strings, exceptions, properties, copies by row, the writer's latch. The plug-in's
+// own objects are linked into this program, with the headless host behind them.
 
 #include <gtest/gtest.h>
 
@@ -14,6 +14,10 @@
 #include "plugin/binding/services.h"
 #include "plugin/binding/strings.h"
 #include "plugin/pixels/copy.h"
+#include "plugin/pixels/host_bitmap.h"
+#include "plugin/pixels/writer.h"
+#include "tests/support/calls.h"
+#include "tests/support/plugin_test.h"
 
 namespace host {
 namespace {
@@ -78,8 +82,6 @@ std::string raised() {
   return "nothing";
 }
 
-std::vector<std::string> events;
-
 TEST_F(BindingTest, ExceptionsCarryTheirMessage) {
   qrz::RaiseNilObjectException("The channel picture is nil.");
   EXPECT_EQ(raised(), "NilObjectException: The channel picture is nil.");
@@ -90,15 +92,9 @@ TEST_F(BindingTest, ExceptionsCarryTheirMessage) {
   qrz::RaiseHostException("NoSuchClass", "message");
   EXPECT_EQ(raised(), "nothing");
 
-  runtime().setCallHook([](const char* call) {
-    if (!std::string_view(call).starts_with("resolve ")) events.emplace_back(call);
-    return true;
-  });
-  qrz::RaiseNilObjectException("x");
-  runtime().setCallHook(nullptr);
-  EXPECT_EQ(events, (std::vector<std::string>{"PluginNewInstance", "REALBuildString",
-                                              "REALSetStringEncoding", "RuntimeRaiseException",
-                                              "REALSetPropValueString", "REALUnlockString"}));
+  EXPECT_EQ(callsDuring([] { qrz::RaiseNilObjectException("x"); }),
+            (Calls{"PluginNewInstance", "REALBuildString", "REALSetStringEncoding",
+                   "RuntimeRaiseException", "REALSetPropValueString", "REALUnlockString"}));
   EXPECT_EQ(raised(), "NilObjectException: x");
 }
 
@@ -191,6 +187,44 @@ TEST_F(BindingTest, DrawingFallsBackToCopyingRows) {
                                    {0, 0, 4, 4, 0, 0, 4, 4}));
   EXPECT_EQ(destination->pixels(), source->pixels());
   runtime().replacedServices.clear();
+}
+
+// --- New pictures ------------------------------------------------------------
+
+using WriterTest = BindingTest;
+
+/// Calls of a create that should fail.
+template <typename Path>
+Calls failedCreate(int32_t width, int32_t height) {
+  return callsDuring([&] {
+    qrz::PictureWriter<Path> writer;
+    EXPECT_FALSE(writer.create(width, height));
+  });
+}
+
+TEST_F(WriterTest, UnusableBitmapSettlesThePath) {
+  runtime().replacedServices["newPicture"] =
+      reinterpret_cast<void*>(+[](int32_t width, int32_t height, int32_t) -> Object* {
+        auto made = Picture::create(Storage::Bitmap, width, height);
+        static_cast<qrz::HostBitmap*>(made->store().data())->kind = 1;
+        return made.detach();
+      });
+  const Calls released = {"lockPictureDescription", "unlockPictureDescription", "REALUnlockObject"};
+  EXPECT_EQ(failedCreate<qrz::GWorldPath>(3, 3), released);
+  EXPECT_EQ(qrz::writerLatch, qrz::RepresentationLatch::Unknown);
+  EXPECT_EQ(failedCreate<qrz::RowTablePath>(3, 3), released);
+  EXPECT_EQ(qrz::writerLatch, qrz::RepresentationLatch::RowTablePath);
+  EXPECT_TRUE(failedCreate<qrz::GWorldPath>(3, 3).empty()) << "refused at once";
+}
+
+TEST_F(WriterTest, ContextSettlesThePathAndSizesAreTestedFirst) {
+  runtime().settings.newPictures = Storage::Context;
+  EXPECT_TRUE(failedCreate<qrz::GWorldPath>(0, 3).empty());
+  EXPECT_TRUE(failedCreate<qrz::RowTablePath>(3, -1).empty());
+  qrz::PictureWriter<qrz::GWorldPath> writer;  // never finished
+  EXPECT_TRUE(writer.create(3, 3));
+  EXPECT_EQ(qrz::writerLatch, qrz::RepresentationLatch::GWorldPath);
+  EXPECT_TRUE(failedCreate<qrz::RowTablePath>(3, 3).empty()) << "refused at once";
 }
 
 }  // namespace

@@ -304,20 +304,5 @@ TEST_F(RegistrationTest, ServiceIsLookedUpUntilItIsFoundAndNeverAgain) {
   EXPECT_EQ(lookUps(), 0) << "a look-up that succeeded is never repeated";
 }
 
-TEST_F(RegistrationTest, StubMembersDoNothing) {
-  loadPlugin(pluginPath());
-  const auto picture = Picture::create(Storage::GWorld, 2, 2);
-  const auto graphics = makeObject<Graphics>(picture);
-  const auto calls = callsDuring([&] {
-    EXPECT_EQ(call("Picture", "MakeHBITMAPQRZ as integer", picture.get()), Value{0});
-    call("Graphics", "PaintDesktopQRZ", graphics.get());
-    std::vector<Value> arguments(12, 1);
-    arguments[8] = Nil{};
-    EXPECT_EQ(call("Graphics", graphicsMethods[0].declaration, graphics.get(), arguments),
-              Value{false});
-  });
-  EXPECT_TRUE(calls.empty());
-}
-
 }  // namespace
 }  // namespace host

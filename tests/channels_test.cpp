@@ -118,22 +118,6 @@ TEST_P(ChannelsTest, LargerChannelPicturesAreCutAndSmallerOnesRefused) {
   }
 }
 
-TEST_P(ChannelsTest, WorkedColours) {
-  const auto filled = [&](uint32_t rgb) {
-    auto picture = emptyPicture(2, 2);
-    picture->fill(0, 0, 2, 2, rgb);
-    return picture;
-  };
-  const auto all = [](uint32_t rgb) { return std::vector<uint32_t>(4, rgb); };
-  const auto red = filled(0xFF0000);
-  const auto green = filled(0x00FF00);
-  const auto blue = filled(0x0000FF);
-  EXPECT_TRUE(isNewPicture(combine(red, blue, green), 2, all(0xFFFFFF)));
-  EXPECT_TRUE(isNewPicture(global(kCombine, {blue, red, green}), 2, all(0x00FF00)));
-  if (GetParam().depth == 16) return;  // which cannot hold these colours
-  EXPECT_TRUE(isNewPicture(merge(filled(0x0AC81E), filled(0x64141E)), 2, all(0x64C81E)));
-}
-
 TEST_P(ChannelsTest, NilChannelRaisesAndOpensNothing) {
   const auto source = randomPicture(4, 4);
   const Unchanged unchanged(source);

@@ -76,23 +76,6 @@ TEST_P(ColorTestsTest, RectanglesInsideAcrossAndOutside) {
   }
 }
 
-TEST_P(ColorTestsTest, NegativeSizesStandForThePictures) {
-  // Columns 0 to 4; 0 to W - 6; 3 to W - 1.
-  const auto picture = plainPicture(20, 3, 0xFFFFFF);
-  picture->fill(5, 0, 1, 3, 0);
-  EXPECT_TRUE(passes(colorTests[0], picture, {-5, 0, 10, 3}));
-  EXPECT_FALSE(passes(colorTests[0], picture, {-5, 0, 11, 3}));
-  picture->fill(5, 0, 1, 3, 0xFFFFFF);
-  picture->fill(15, 0, 5, 3, 0);
-  EXPECT_TRUE(passes(colorTests[0], picture, {-5, 0, -1, -1}));
-  picture->fill(14, 2, 1, 1, 0);
-  EXPECT_FALSE(passes(colorTests[0], picture, {-5, 0, -1, -1}));
-  EXPECT_FALSE(passes(colorTests[0], picture, {3, 0, -1, -1}));
-  picture->fill(0, 0, 20, 3, 0xFFFFFF);
-  picture->fill(0, 0, 3, 3, 0);
-  EXPECT_TRUE(passes(colorTests[0], picture, {3, 0, -1, -1}));
-}
-
 TEST_P(ColorTestsTest, EveryBitOfAColourCounts) {
   for (const ColorTest& test : colorTests) {
     for (int bit = 0; bit < 24; ++bit) {

@@ -35,6 +35,7 @@ p.Graphics.Pixel(3, 1) = &cC86432
 constexpr Line kAdjusting[] = {
     {"Show(p.ChangeBrightnessLinearQRZ(128))", "4 2 &c84898E &cE3B198"},
     {"Show(p.ChangeBrightnessLinearQRZ(255, 0, -255))", "4 2 &cFF1400 &cFF6400"},
+    {"Show(p.ChangeBrightnessLinearQRZ(300))", "4 2 &c2A2826 &c081A23"},
     {"Show(p.ChangeBrightnessAbsoluteQRZ(100.9))", "4 2 &c6E7882 &cFFC896"},
     {"Show(p.ChangeBrightnessAbsoluteQRZ(1, 2.5, -300))", "4 2 &c0B1600 &cC96600"},
     {"Show(p.ChangeContrastQRZ(-1))", "4 2 &c7F7F7F &c7F7F7F"},
@@ -45,6 +46,7 @@ constexpr Line kAdjusting[] = {
     {"Show(p.InvertGrayQRZ)", "4 2 &c0A141E &cC86432"},
     {"Show(p.InvertGrayQRZ(0, 0, 1, -1))", "4 2 &c0A141E &cFFFFFF"},
     {"Show(p.ChangeSaturationQRZ(100))", "4 2 &c071421 &cE85E19"},
+    {"Show(p.ChangeSaturationQRZ(-510))", "4 2 &c1E140A &c2084B6"},
     {"Show(TintPictureQRZ(p, &cFFFFFF, &cFF8000))", "4 2 &c3C1E00 &cFFAF00"},
     {"Show(p.ReplaceRedChannelQRZ(p.InvertQRZ))", "4 2 &cF5141E &c376432"},
     {"Show(p.ReplaceGreenChannelQRZ(New Picture(3, 2, 32)))", "nil"},

@@ -34,20 +34,6 @@ TEST_F(PictRecordingTest, RecordedPicturesShowTheSamePixels) {
   EXPECT_TRUE(pictureOver(record(tall))->pixels() == colors(*tall));
 }
 
-TEST_F(PictRecordingTest, EveryRepresentationIsRecorded) {
-  for (const auto& [storage, depth] : {std::pair{Storage::GWorld, 24},
-                                       {Storage::GWorld, 16},
-                                       {Storage::Context, 32},
-                                       {Storage::Bitmap, 32}}) {
-    const auto source = Picture::create(storage, 31, 5, depth);
-    source->setPixels(randomPicture(31, 5)->pixels());
-    const auto once = pictureOver(record(source));
-    const auto twice = pictureOver(record(once));
-    EXPECT_EQ(once->pixels(), colors(*source)) << source->describe();
-    EXPECT_EQ(twice->pixels(), colors(*source)) << source->describe();
-  }
-}
-
 TEST_F(PictRecordingTest, MasksShowWhitePaper) {
   const auto source = randomPicture(9, 4);
   source->mask = randomPicture(9, 4);

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <sstream>
 #include <string>
 
@@ -29,50 +28,20 @@ Box& box(Object* self) { return dynamic_cast<Box&>(*self); }
 
 using Arguments = std::span<Value>;
 
-Member member(const char* declaration, std::function<Value(Object*, Arguments)> call) {
+using Call = std::function<Value(Object*, Arguments)>;
+using Assign = std::function<void(Object*, Arguments, const Value&)>;
+
+Member member(const char* declaration, Call call, Assign assign = {}) {
   Member result;
   result.declaration = parseDeclaration(declaration);
   result.call = std::move(call);
+  result.assign = std::move(assign);
   if (result.declaration.result) result.assignedType = *result.declaration.result;
   return result;
 }
 
 Member makesText(const char* declaration, const char* text) {
   return member(declaration, [text](Object*, Arguments) { return Value{std::string(text)}; });
-}
-
-Member width() {
-  Member result =
-      member("Width as integer", [](Object* self, Arguments) { return Value{box(self).width}; });
-  result.isProperty = true;
-  result.assign = [](Object* self, Arguments, const Value& value) {
-    box(self).width = std::get<int32_t>(value);
-  };
-  return result;
-}
-
-Member cell() {
-  Member result = member("Cell(x as integer, y as double) as double",
-                         [](Object* self, Arguments) { return Value{box(self).cell}; });
-  result.assign = [](Object* self, Arguments arguments, const Value& value) {
-    box(self).cell =
-        std::get<int32_t>(arguments[0]) + std::get<double>(arguments[1]) + std::get<double>(value);
-  };
-  return result;
-}
-
-/// A property of which the one half that is asked for is missing.
-Member inner(bool isReadable) {
-  Member result = member("Inner as box", nullptr);
-  if (isReadable) {
-    result.declaration.name = "Content";
-    result.call = [](Object* self, Arguments) { return objectValue(box(self).inner); };
-    return result;
-  }
-  result.assign = [](Object* self, Arguments, const Value& value) {
-    box(self).inner = Ref<Object>::share(objectOf(value));
-  };
-  return result;
 }
 
 void addBox(Registry& registry) {
@@ -85,10 +54,25 @@ void addBox(Registry& registry) {
   type.constructors = {member("Constructor", make), member("Constructor(width as integer)", make)};
   type.sharedMembers = {member("Open(width as integer = 7) as box", make)};
   type.members = {
-      width(),
-      cell(),
-      inner(true),
-      inner(false),
+      member(
+          "Width as integer", [](Object* self, Arguments) { return Value{box(self).width}; },
+          [](Object* self, Arguments, const Value& value) {
+            box(self).width = std::get<int32_t>(value);
+          }),
+      member(
+          "Cell(x as integer, y as double) as double",
+          [](Object* self, Arguments) { return Value{box(self).cell}; },
+          [](Object* self, Arguments arguments, const Value& value) {
+            box(self).cell = std::get<int32_t>(arguments[0]) + std::get<double>(arguments[1]) +
+                             std::get<double>(value);
+          }),
+      // A property to read, and the same to assign.
+      member("Content as box",
+             [](Object* self, Arguments) { return objectValue(box(self).inner); }),
+      member("Inner as box", nullptr,
+             [](Object* self, Arguments, const Value& value) {
+               box(self).inner = Ref<Object>::share(objectOf(value));
+             }),
       member("Me2 as box",
              [](Object* self, Arguments) { return objectValue(Ref<Object>::share(self)); }),
       member("Grow(by as integer, times as integer = 2)",
@@ -636,13 +620,6 @@ TEST(Suggestion, CountsSlips) {
   EXPECT_EQ(editDistance("kitten", "sitting"), 3u);
   EXPECT_EQ(suggestion("Widht", {"Height", "Width"}), "; did you mean 'Width'?");
   EXPECT_EQ(suggestion("Zebra", {"Height", "Width"}), "");
-}
-
-TEST(Conversion, TruncatesTowardsZeroAndSaturates) {
-  EXPECT_EQ(truncated(-2.9), -2);
-  EXPECT_EQ(truncated(2147483647.5), 2147483647);
-  EXPECT_EQ(truncated(-1e300), std::numeric_limits<int32_t>::min());
-  EXPECT_EQ(truncated(std::numeric_limits<double>::quiet_NaN()), 0);
 }
 
 }  // namespace

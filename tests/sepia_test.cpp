@@ -55,14 +55,6 @@ class SepiaTest : public FilterClassTest {
     FilterClassTest::expectRun(source, region, map);
     set(kSource, Nil{});
   }
-  void expectColor(uint32_t from, uint32_t to) {
-    const auto source = emptyPicture(1, 1);
-    source->setPixels({0x99000000 | from});
-    expectRun(source);
-    if (GetParam().depth == 16) return;  // which cannot hold these colours
-    EXPECT_EQ(destination()->pixel(0, 0), to) << std::hex << from;
-  }
-
   Weights weights = {0.299, 0.587, 0.114};
   Offsets offsets = {};
 };
@@ -79,50 +71,13 @@ TEST_P(SepiaTest, RandomWeightsAndOffsetsOnAllWidths) {
   expectRun(randomPicture(300, 200));
 }
 
-TEST_P(SepiaTest, WorkedColours) {
-  expectColor(0xFFFFFF, 0xFEFEFE);
-  expectColor(0x000000, 0x000000);
-  expectColor(0xFF0000, 0x4C4C4C);
-  expectColor(0x00FF00, 0x959595);
-  expectColor(0x0000FF, 0x1C1C1C);
-  setOffsets({40, 20, -20});
-  expectColor(0x808080, 0xA7936B);
-  setOffsets({10, 0, 0});
-  setWeights({-0.5, 0, 0});
-  expectColor(0x030000, 0x090000);
-  setOffsets({});
-  setWeights({0.0009, 0, 0});
-  expectColor(0xFFFFFF, 0x000000);
-}
-
 TEST_P(SepiaTest, HostileWeightsAndOffsets) {
-  using Limits = std::numeric_limits<double>;
-  const double hostile[] = {Limits::quiet_NaN(),
-                            Limits::infinity(),
-                            -Limits::infinity(),
-                            Limits::max(),
-                            Limits::lowest(),
-                            Limits::denorm_min(),
-                            -0.0,
-                            1,
-                            -1,
-                            2097151.9990234375,
-                            2097152,
-                            -2097152,
-                            -2097152.5,
-                            8224.125,
-                            -8224.125,
-                            32.0,
-                            -32.03125,
-                            127.999,
-                            1e6,
-                            -1e6};
   const int32_t far[] = {INT_MIN, INT_MIN + 255, -70000,        -1,     0, 1,
                          32767,   70000,         INT_MAX - 255, INT_MAX};
   const auto source = randomPicture(67, 5);
-  const auto weight = [&] { return hostile[random() % std::size(hostile)]; };
+  const auto weight = [&] { return hostileNumbers[random() % hostileNumbers.size()]; };
   const auto offset = [&] { return far[random() % std::size(far)]; };
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 500; ++i) {
     setWeights({weight(), weight(), weight()});
     setOffsets({offset(), offset(), offset()});
     expectRun(source);

@@ -2,10 +2,15 @@
 
 #include <climits>
 
-#include "tests/support/plugin_test.h"
+#include "tests/support/checks.h"
 
 namespace host {
 namespace {
+
+constexpr const char* kFind =
+    "FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean";
+const std::string scrollParameters =
+    "(delta as integer, wrap as boolean, scrollmask as boolean) as boolean";
 
 using LockDescription = uint32_t (*)(void* picture, qrz::PictureDescription* description);
 
@@ -41,9 +46,7 @@ class SizeTest : public RepresentationTest {
 
   Ref<Picture> picture;
 };
-INSTANTIATE_TEST_SUITE_P(All, SizeTest,
-                         testing::Values(allRepresentations[0], allRepresentations[2]),
-                         [](const auto& test) { return std::string(test.param.name); });
+QRZ_NATIVE_REPRESENTATIONS(SizeTest);
 
 TEST_P(SizeTest, BelowOneAreEmptyPictures) {
   const auto pixels = picture->pixels();
@@ -64,29 +67,18 @@ TEST_P(SizeTest, BelowOneAreEmptyPictures) {
                             {objectValue(picture)});
     EXPECT_EQ(std::get<std::string>(text).size(), 40U);
 
-    std::vector<Value> place = {objectValue(other), 7, 7};
-    EXPECT_EQ(callByRef("Picture",
-                        "FindPicture(pic as picture, byref x as integer, byref y as integer) as "
-                        "boolean",
-                        picture.get(), place),
-              Value{false});
-    std::vector<Value> found = {objectValue(picture), 7, 7};
-    EXPECT_EQ(callByRef("Picture",
-                        "FindPicture(pic as picture, byref x as integer, byref y as integer) as "
-                        "boolean",
-                        other.get(), found),
-              Value{false});
+    for (const auto& [haystack, pattern] : {std::pair{picture, other}, {other, picture}}) {
+      std::vector<Value> place = {objectValue(pattern), 7, 7};
+      EXPECT_EQ(callByRef("Picture", kFind, haystack.get(), place), Value{false});
+    }
     std::vector<Value> counted = {Nil{}, Nil{}, Nil{}, 7};
     callByRef("Picture",
               "CountColorsQRZ(byref red as memoryblock, byref blue as memoryblock, byref green as "
               "memoryblock, byref count as integer)",
               picture.get(), counted);
     EXPECT_EQ(counted[3], Value{0});
-    for (const char* name : {"ScrollVerticalQRZ", "ScrollHorizontalQRZ"}) {
-      call("Picture",
-           std::string(name) +
-               "(delta as integer, wrap as boolean, scrollmask as boolean) as boolean",
-           picture.get(), {3, true, false});
+    for (const std::string name : {"ScrollVerticalQRZ", "ScrollHorizontalQRZ"}) {
+      call("Picture", name + scrollParameters, picture.get(), {3, true, false});
     }
     EXPECT_TRUE(samePixels(*picture, pixels));
     EXPECT_EQ(picture->locks(), 0);
@@ -99,9 +91,7 @@ TEST_P(SizeTest, RowsThatDoNotHoldTheirPixelsAreNotRotated) {
   claimedWidth = 1000;
   claimedHeight = 4;
   const auto scroll = [&](const std::string& name) {
-    return call("Picture",
-                name + "(delta as integer, wrap as boolean, scrollmask as boolean) as boolean",
-                picture.get(), {3, true, false});
+    return call("Picture", name + scrollParameters, picture.get(), {3, true, false});
   };
   EXPECT_EQ(scroll("ScrollHorizontalQRZ"), Value{true});
   EXPECT_EQ(scroll("ScrollVerticalQRZ"), Value{false});

@@ -2,35 +2,25 @@
 
 #include "platform/standin/standin.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstring>
-#include <random>
 
-#include "host/core/picture.h"
-#include "host/core/runtime.h"
+#include "host/core/exception.h"
+#include "tests/support/pict.h"
 
 namespace host {
 namespace {
 
-class StandinTest : public testing::Test {
- protected:
-  void TearDown() override {
-    for (const std::string& leak : runtime().findLeaks()) ADD_FAILURE() << leak;
-  }
-};
+using StandinTest = PictTest;
 
-std::vector<uint32_t> randomWords(const Picture& picture, std::mt19937& random) {
-  std::vector<uint32_t> words(static_cast<size_t>(picture.width()) *
-                              static_cast<size_t>(picture.height()));
+Words randomWords(const Picture& picture, std::mt19937& random) {
+  Words words(static_cast<size_t>(picture.width()) * static_cast<size_t>(picture.height()));
   for (uint32_t& word : words) word = random() & 0x00F8F8F8;
   for (uint32_t& word : words) word |= (word >> 5) & 0x00070707;  // what 16 bits can hold
   return words;
 }
 
 TEST_F(StandinTest, StoresKeepWhatTheirDepthHolds) {
-  std::mt19937 random{1};
   for (const auto& [storage, depth, type] :
        {std::tuple{Storage::GWorld, 32, 4}, std::tuple{Storage::GWorld, 24, 4},
         std::tuple{Storage::GWorld, 16, 4}, std::tuple{Storage::Context, 32, 8},
@@ -38,7 +28,7 @@ TEST_F(StandinTest, StoresKeepWhatTheirDepthHolds) {
     const auto picture = Picture::create(storage, 13, 7, depth);
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->store().type(), type);
-    EXPECT_EQ(picture->pixels(), std::vector<uint32_t>(13 * 7, 0x00FFFFFF)) << "a new picture";
+    EXPECT_EQ(picture->pixels(), Words(13 * 7, 0x00FFFFFF)) << "a new picture";
     const auto words = randomWords(*picture, random);
     picture->setPixels(words);
     EXPECT_EQ(picture->pixels(), words) << picture->describe();
@@ -55,7 +45,7 @@ TEST_F(StandinTest, PixelLayoutsInMemory) {
     EXPECT_GT(pixels.rowBytes, picture->width() * picture->depth() / 8) << "rows are padded";
     return std::vector<uint8_t>(pixels.base, pixels.base + 4);
   };
-  const std::vector<uint32_t> words = {0x9A123456, 0x00FFFFFF};
+  const Words words = {0x9A123456, 0x00FFFFFF};
   const auto bytes = [&](int32_t depth) {
     const auto picture = Picture::create(Storage::GWorld, 2, 1, depth);
     picture->setPixels(words);
@@ -77,9 +67,9 @@ TEST_F(StandinTest, ContextBecomesAGWorldOverTheSamePixels) {
 
 /// What a scroll should leave, pixel by pixel; the box is the rectangle cut to
 /// the picture.
-std::vector<uint32_t> scrolled(const std::vector<uint32_t>& words, int32_t width, int32_t height,
-                               const Rect& r, int32_t dh, int32_t dv, uint32_t background) {
-  std::vector<uint32_t> result = words;
+Words scrolled(const Words& words, int32_t width, int32_t height, const Rect& r, int32_t dh,
+               int32_t dv, uint32_t background) {
+  Words result = words;
   const auto inside = [&](int32_t x, int32_t y) {
     return x >= std::max<int32_t>(r.left, 0) && x < std::min<int32_t>(r.right, width) &&
            y >= std::max<int32_t>(r.top, 0) && y < std::min<int32_t>(r.bottom, height);
@@ -96,7 +86,6 @@ std::vector<uint32_t> scrolled(const std::vector<uint32_t>& words, int32_t width
 }
 
 TEST_F(StandinTest, ScrollRectMovesAndClears) {
-  std::mt19937 random{7};
   const auto between = [&](int low, int high) {
     return static_cast<int16_t>(low +
                                 static_cast<int>(random() % static_cast<uint32_t>(high - low)));
@@ -158,27 +147,9 @@ TEST_F(StandinTest, HandlesCopyTheirBytes) {
   EXPECT_NE(PtrToHand(source, &handle, -1), 0);
 }
 
-TEST_F(StandinTest, LeaksAreNamed) {
-  qrz::PictureDescription description{};
-  {
-    const auto picture = Picture::create(Storage::GWorld, 3, 2);
-    picture->lock(description);
-    PixMapHandle map = GetGWorldPixMap(static_cast<GWorldPtr>(description.data));
-    EXPECT_EQ(LockPixels(map), 1);
-    EXPECT_EQ(runtime().findLeaks(),
-              (std::vector<std::string>{"still alive: Picture 3x2 (GWorld 32), 1 references",
-                                        "1 description locks still held on it",
-                                        "1 pixel maps still locked", "1 GWorlds still allocated"}));
-    UnlockPixels(map);
-    picture->unlock();
-  }
-  EXPECT_TRUE(runtime().findLeaks().empty());
-}
-
 // --- Drawing -----------------------------------------------------------------
 
 TEST_F(StandinTest, PicturesAreDrawnScaledAndCut) {
-  std::mt19937 random{3};
   const auto source = Picture::create(Storage::GWorld, 6, 5);
   source->setPixels(randomWords(*source, random));
   for (int i = 0; i < 300; ++i) {
@@ -212,7 +183,6 @@ TEST_F(StandinTest, DrawingTakesAnyNumbers) {
   EXPECT_EQ(target->pixel(4, 2), 0xFFFFFFU);
   const std::array<int32_t, 7> extremes = {INT32_MIN, INT32_MIN + 1, -1,          0,
                                            1,         INT32_MAX,     kUpToTheEdge};
-  std::mt19937 random{11};
   for (int i = 0; i < 2000; ++i) {
     const auto any = [&] { return extremes.at(random() % extremes.size()); };
     drawPicture(*target, *source, {any(), any(), any(), any(), any(), any(), any(), any()});
@@ -226,7 +196,7 @@ TEST_F(StandinTest, PicturesAreDrawnOntoThemselves) {
   const auto picture = Picture::create(Storage::GWorld, 1, 4);
   picture->setPixels({0xFF0000, 0x00FF00, 0x0000FF, 0x000000});
   drawPicture(*picture, *picture, {0, 1, 1, 4, 0, 0, 1, 4});
-  EXPECT_EQ(picture->pixels(), (std::vector<uint32_t>{0xFF0000, 0xFF0000, 0x00FF00, 0x0000FF}));
+  EXPECT_EQ(picture->pixels(), (Words{0xFF0000, 0xFF0000, 0x00FF00, 0x0000FF}));
 }
 
 TEST_F(StandinTest, MasksOfMasks) {
@@ -250,10 +220,10 @@ TEST_F(StandinTest, MasksLetTheGroundShowThrough) {
   source->mask = Picture::create(Storage::GWorld, 3, 1);
   source->mask->setPixels({0x000000, 0x808080, 0xFFFFFF});
   drawPicture(*target, *source, {0, 0, 3, 1, 0, 0, 3, 1});
-  EXPECT_EQ(target->pixels(), (std::vector<uint32_t>{0x000000, 0x808080, 0xFFFFFF}));
+  EXPECT_EQ(target->pixels(), (Words{0x000000, 0x808080, 0xFFFFFF}));
 }
 
-std::vector<std::string> drawn(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t pen) {
+std::vector<std::string> rowsOfLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t pen) {
   const auto picture = Picture::create(Storage::GWorld, 5, 3);
   picture->pen = {0x00FF00, pen, pen};
   drawLine(*picture, x1, y1, x2, y2);
@@ -268,13 +238,13 @@ std::vector<std::string> drawn(int32_t x1, int32_t y1, int32_t x2, int32_t y2, i
 
 TEST_F(StandinTest, LinesCoverBothEndsWithThePen) {
   using Rows = std::vector<std::string>;
-  EXPECT_EQ(drawn(0, 0, 3, 1, 1), (Rows{"##...", "..##.", "....."}));
-  EXPECT_EQ(drawn(1, 0, 1, 2, 1), (Rows{".#...", ".#...", ".#..."}));
-  EXPECT_EQ(drawn(3, 1, 3, 1, 1), (Rows{".....", "...#.", "....."}));
-  EXPECT_EQ(drawn(2, 2, 0, 0, 1), (Rows{"#....", ".#...", "..#.."}));
-  EXPECT_EQ(drawn(-9, 1, 90, 1, 2), (Rows{".....", "#####", "#####"}));
-  EXPECT_EQ(drawn(-1, -1, -1, -1, 2), (Rows{"#....", ".....", "....."}));
-  EXPECT_EQ(drawn(-2147483647, -2147483647, 2147483647, 2147483647, 1),
+  EXPECT_EQ(rowsOfLine(0, 0, 3, 1, 1), (Rows{"##...", "..##.", "....."}));
+  EXPECT_EQ(rowsOfLine(1, 0, 1, 2, 1), (Rows{".#...", ".#...", ".#..."}));
+  EXPECT_EQ(rowsOfLine(3, 1, 3, 1, 1), (Rows{".....", "...#.", "....."}));
+  EXPECT_EQ(rowsOfLine(2, 2, 0, 0, 1), (Rows{"#....", ".#...", "..#.."}));
+  EXPECT_EQ(rowsOfLine(-9, 1, 90, 1, 2), (Rows{".....", "#####", "#####"}));
+  EXPECT_EQ(rowsOfLine(-1, -1, -1, -1, 2), (Rows{"#....", ".....", "....."}));
+  EXPECT_EQ(rowsOfLine(-2147483647, -2147483647, 2147483647, 2147483647, 1),
             (Rows{"#....", ".#...", "..#.."}));
 }
 

@@ -1,7 +1,6 @@
 // Brightness, contrast and the custom line on every representation.
 
 #include <cmath>
-#include <limits>
 
 #include "tests/support/checks.h"
 
@@ -47,19 +46,15 @@ uint32_t custom(double v, const Arguments& x, size_t /*channel*/) {
   return clamped(v * x[0] + x[1]);
 }
 
-const Operation kLinear = {"ChangeBrightnessLinearQRZ(x as double) as picture", 1, linear};
-const Operation kAbsolute = {"ChangeBrightnessAbsoluteQRZ(x as double) as picture", 1, absolute};
-const Operation kContrast = {"ChangeContrastQRZ(x as double) as picture", 1, contrast};
-const Operation kCustom = {"ChangeCustomQRZ(a as double, b as double) as picture", 2, custom};
-const Operation kLinear3 = {
-    "ChangeBrightnessLinearQRZ(r as double, g as double, b as double) as picture", 3, linear};
-const Operation kAbsolute3 = {
-    "ChangeBrightnessAbsoluteQRZ(r as double, g as double, b as double) as picture", 3, absolute};
-const Operation kContrast3 = {
-    "ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture", 3, contrast};
-
-const Operation operations[] = {kLinear,  kAbsolute,  kContrast, kCustom,
-                                kLinear3, kAbsolute3, kContrast3};
+const Operation operations[] = {
+    {"ChangeBrightnessLinearQRZ(x as double) as picture", 1, linear},
+    {"ChangeBrightnessAbsoluteQRZ(x as double) as picture", 1, absolute},
+    {"ChangeContrastQRZ(x as double) as picture", 1, contrast},
+    {"ChangeCustomQRZ(a as double, b as double) as picture", 2, custom},
+    {"ChangeBrightnessLinearQRZ(r as double, g as double, b as double) as picture", 3, linear},
+    {"ChangeBrightnessAbsoluteQRZ(r as double, g as double, b as double) as picture", 3, absolute},
+    {"ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture", 3, contrast},
+};
 
 class ToneTest : public RepresentationTest {
  protected:
@@ -108,34 +103,10 @@ TEST_P(ToneTest, RandomArgumentsOnAllWidths) {
 }
 
 TEST_P(ToneTest, EveryLevelWithHostileArguments) {
-  using Limits = std::numeric_limits<double>;
-  const Arguments hostile = {Limits::quiet_NaN(),
-                             Limits::infinity(),
-                             -Limits::infinity(),
-                             Limits::max(),
-                             Limits::lowest(),
-                             Limits::denorm_min(),
-                             -0.0,
-                             0.0,
-                             -1.0,
-                             255.0,
-                             -255.0,
-                             std::nextafter(255.0, 300.0),
-                             2147483647.5,
-                             -2147483649.0,
-                             4294967301.5,
-                             -4294967301.5,
-                             9007199254740993.0,
-                             -1e16,
-                             1e18,
-                             -9223372036854775808.,
-                             1.8446744073709552e19,
-                             1e25,
-                             -1e300};
   const auto picture = everyLevel();
-  const auto pick = [&] { return hostile[random() % hostile.size()]; };
+  const auto pick = [&] { return hostileNumbers[random() % hostileNumbers.size()]; };
   for (const Operation& operation : operations) {
-    for (const double value : hostile) {
+    for (const double value : hostileNumbers) {
       expectMapped(operation, picture, Arguments(operation.count, value));
     }
     for (int i = 0; i < 200; ++i) {
@@ -144,53 +115,6 @@ TEST_P(ToneTest, EveryLevelWithHostileArguments) {
       expectMapped(operation, picture, x);
     }
   }
-}
-
-TEST_P(ToneTest, WorkedLevels) {
-  if (GetParam().depth == 16) return;  // which cannot hold these levels
-  struct Worked {
-    const Operation& operation;
-    Arguments x;
-    std::vector<uint32_t> from, to;
-  };
-  const std::vector<Worked> examples = {
-      {kLinear, {128}, {0, 100, 255}, {128, 177, 255}},
-      {kLinear, {-100}, {0, 100, 255}, {0, 60, 155}},
-      {kLinear, {300}, {0, 128, 255}, {44, 21, 255}},
-      {kLinear, {255}, {0, 99, 255}, {255, 255, 255}},
-      {kLinear, {-255}, {0, 99, 255}, {0, 0, 0}},
-      {kLinear, {0}, {0, 99, 255}, {0, 99, 255}},
-      {kContrast, {0}, {0, 99, 255}, {0, 99, 255}},
-      {kContrast, {1}, {0, 100, 127, 200, 255}, {0, 73, 127, 255, 255}},
-      {kContrast, {-0.5}, {0, 100, 200, 255}, {63, 113, 163, 191}},
-      {kContrast, {-1}, {0, 99, 127, 255}, {127, 127, 127, 127}},
-      {kContrast, {-2}, {0, 100, 255}, {254, 154, 0}},
-      {kAbsolute, {10}, {250, 5}, {255, 15}},
-      {kAbsolute, {-10}, {250, 5}, {240, 0}},
-      {kAbsolute, {0.9}, {0, 99, 254, 255}, {0, 99, 254, 255}},
-      {kCustom, {1, 0}, {0, 99, 255}, {0, 99, 255}},
-      {kCustom, {-1, 255}, {0, 99, 255}, {255, 156, 0}},
-  };
-  for (const Worked& worked : examples) {
-    const auto source = emptyPicture(static_cast<int32_t>(worked.from.size()), 1);
-    std::vector<uint32_t> greys = worked.from;
-    for (uint32_t& grey : greys) grey = 0x77000000 | grey * 0x010101;
-    source->setPixels(greys);
-    std::vector<uint32_t> expected = worked.to;
-    for (uint32_t& grey : expected) grey *= 0x010101;
-    EXPECT_TRUE(isNewPicture(run(worked.operation, source, worked.x), source->width(), expected))
-        << worked.operation.declaration << testing::PrintToString(worked.x);
-  }
-}
-
-TEST_P(ToneTest, EveryParameterBelongsToItsChannel) {
-  const auto source = randomPicture(33, 3);
-  const auto keep = [&](uint32_t kept, uint32_t set) {
-    return mappedPixels(*source, [=](uint32_t rgb) { return (rgb & kept) | set; });
-  };
-  EXPECT_TRUE(isNewPicture(run(kLinear3, source, {255, 0, 0}), 33, keep(0x00FFFF, 0xFF0000)));
-  EXPECT_TRUE(isNewPicture(run(kAbsolute3, source, {0, 255, 0}), 33, keep(0xFF00FF, 0x00FF00)));
-  EXPECT_TRUE(isNewPicture(run(kContrast3, source, {0, 0, -1}), 33, keep(0xFFFF00, 0x00007F)));
 }
 
 }  // namespace

@@ -49,18 +49,6 @@ class WaveformTest : public RepresentationTest {
         << w.bytes.size() << " bytes, arguments "
         << testing::PrintToString(std::vector{w.count, w.smooth, w.width, w.height, w.outline});
   }
-  /// Bars [first row, last row] of every column, everything else background.
-  static void expectBars(const Waveform& w, const std::vector<std::pair<int32_t, int32_t>>& bars) {
-    const auto result = render(w);
-    ASSERT_TRUE(result);
-    ASSERT_EQ(static_cast<size_t>(result->width()), bars.size());
-    for (int32_t x = 0; x < result->width(); ++x) {
-      const auto& [first, last] = bars[static_cast<size_t>(x)];
-      for (int32_t y = 0; y < result->height(); ++y) {
-        ASSERT_EQ(result->pixel(x, y), y >= first && y <= last ? w.fore : w.back) << x << ", " << y;
-      }
-    }
-  }
   std::vector<uint8_t> randomBytes(size_t count) {
     std::vector<uint8_t> bytes(count);
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
@@ -105,22 +93,6 @@ TEST_P(WaveformTest, RoundingOfAveragesIsTheDefinitions) {
       expectRendered({std::vector<uint8_t>(80, level), 0, smooth, 0, height});
     }
   }
-}
-
-TEST_P(WaveformTest, WorkedBars) {
-  expectBars({fourSamples, 0, 1, 4, 100}, {{50, 60}, {40, 70}, {50, 50}, {50, 99}});
-  expectBars({fourSamples, 0, 1, 4, 200}, {{100, 120}, {80, 140}, {100, 100}, {100, 199}});
-  expectBars({fourSamples, 2, 1, 4, 100}, {{50, 60}, {50, 50}, {40, 70}, {50, 50}});
-  expectBars({fourSamples, 4, 1, 2, 100}, {{40, 70}, {50, 99}});
-  // The peak is that of the second values, or 100.
-  expectBars({{127, 0, 0, 127}, 0, 1, 0, 100}, {{50, 99}, {50, 99}});
-  expectBars({{100, 0, 0, 100}, 0, 1, 0, 80}, {{40, 79}, {40, 79}});
-  expectBars({{127, static_cast<uint8_t>(-128), 0, 127}, 0, 1, 0, 254}, {{0, 253}, {127, 253}});
-  // A step through 4, 6, 7 and 7.5, and a constant.
-  const std::vector<uint8_t> step = {0, 8, 8, 8, 8, 8, 8, 8, 8, 8};
-  expectBars({step, 0, 3, 0, 400}, {{200, 216}, {200, 216}, {200, 216}, {200, 216}, {200, 216}});
-  const std::vector<uint8_t> rise = {0, 0, 8, 0, 8, 0, 8, 0, 8, 0};
-  expectBars({rise, 0, 3, 0, 400}, {{200, 200}, {200, 208}, {200, 212}, {200, 214}, {200, 215}});
 }
 
 TEST_P(WaveformTest, DefaultsAndTheEndOfTheBlock) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <stdexcept>
 
@@ -112,6 +113,19 @@ void LockLog::name(const Ref<Picture>& picture, std::string name) {
 }
 
 std::string LockLog::take() { return std::exchange(lockEvents, {}); }
+
+using Limits = std::numeric_limits<double>;
+const std::vector<double> hostileNumbers = {
+    // of doubles
+    Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max(), Limits::lowest(),
+    Limits::denorm_min(), -0.0,
+    // of channels
+    0, 1, -1, 32.0, -32.03125, 127.999, 254.99999999999997, 255, 255.00000000000003, -255,
+    // of weights that fill 32 bits
+    8224.125, -8224.125, 1e6, -1e6, 2097151.9990234375, 2097152, -2097152, -2097152.5,
+    // of integers
+    2147483647.5, -2147483649.0, 4294967301.5, -4294967301.5, 9007199254740993.0, -1e16, 1e18,
+    -9223372036854775808., 1.8446744073709552e19, 1e25, -1e300};
 
 Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes) {
   return makeObject<MemoryBlock>(std::move(bytes));

@@ -64,6 +64,9 @@ class LockLog {
   std::string take();
 };
 
+/// Numbers at the edges of what doubles, integers, channels and weights can be.
+extern const std::vector<double> hostileNumbers;
+
 /// A block of the host's with these bytes.
 Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes);
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <random>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -33,6 +34,9 @@ Ref<Picture> pictureOver(PicHandle data);
 /// Bytes from hexadecimal digits; spaces are for the reader.
 Bytes hex(std::string_view text);
 Bytes joined(const std::vector<Bytes>& parts);
+
+/// All bytes of a file; none if it cannot be read.
+Bytes fileBytes(const std::string& path);
 
 /// What PICT data draws on a white canvas.
 Words drawn(const Bytes& data, int32_t width, int32_t height);

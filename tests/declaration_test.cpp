@@ -24,12 +24,14 @@ TEST(Types, NamesAndInitialValues) {
   EXPECT_EQ(std::get<Nil>(typeNamed("picture").initialValue()), Nil{});
 }
 
-TEST(ParseDeclaration, NameAlone) {
+TEST(ParseDeclaration, Names) {
   const Declaration plain = parseDeclaration("Close");
   EXPECT_EQ(plain.name, "Close");
   EXPECT_TRUE(plain.parameters.empty());
   EXPECT_FALSE(plain.result);
   EXPECT_TRUE(parseDeclaration("Close( )").parameters.empty());
+  EXPECT_EQ(parseDeclaration("F(byrefX as integer)").parameters[0].name, "byrefX");
+  EXPECT_EQ(parseDeclaration("Fas as integer").name, "Fas");
 }
 
 TEST(ParseDeclaration, ParametersAndResult) {
@@ -44,11 +46,6 @@ TEST(ParseDeclaration, ParametersAndResult) {
   EXPECT_FALSE(declaration.parameters[2].byRef);
   ASSERT_TRUE(declaration.result);
   EXPECT_EQ(declaration.result->kind, Type::Kind::Boolean);
-}
-
-TEST(ParseDeclaration, ParameterNamedLikeAnAffix) {
-  EXPECT_EQ(parseDeclaration("F(byrefX as integer)").parameters[0].name, "byrefX");
-  EXPECT_EQ(parseDeclaration("Fas as integer").name, "Fas");
 }
 
 TEST(ParseDeclaration, DefaultValues) {

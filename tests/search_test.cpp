@@ -263,22 +263,5 @@ TEST_P(HostileSearchTest, AllButOnePixelInTheMiddle) {
   EXPECT_EQ(find(haystack, pattern), (Found{true, 2999, 1999}));
 }
 
-TEST_P(HostileSearchTest, PatternMadeForOneBaseOfTheHash) {
-  // Two pixels of the last row whose differences from white cancel each other
-  // in a polynomial of this base.
-  constexpr uint64_t kPrime = 0x7FFFFFFF;
-  constexpr uint64_t kBase = 1'812'433'253;
-  uint32_t first = 1;
-  uint32_t second = 0;
-  do {
-    second = static_cast<uint32_t>(kPrime - ++first * kBase % kPrime);
-  } while (second > 0xFFFFFF);
-  const auto haystack = emptyPicture(kWidth, kHeight);
-  const auto pattern = emptyPicture(2000, 1500);
-  pattern->fill(2000 - 2, 1500 - 1, 1, 1, 0xFFFFFF - first);
-  pattern->fill(2000 - 1, 1500 - 1, 1, 1, 0xFFFFFF - second);
-  EXPECT_EQ(find(haystack, pattern), kNothing);
-}
-
 }  // namespace
 }  // namespace host

@@ -140,16 +140,6 @@ TEST_P(WaveformTest, SilenceAfterSound) {
   }
 }
 
-TEST_P(WaveformTest, ThinOutlineBlendsByDistance) {
-  const auto result = render({{0, 0, 0, 4}, 0, 1, 2, 100, 1});
-  ASSERT_TRUE(result);
-  EXPECT_EQ(result->pixel(0, 51), 0x547A89U) << "at half the distance";
-  for (const auto& [x, y] : {std::pair{0, 50}, {1, 50}, {1, 52}}) {
-    EXPECT_EQ(result->pixel(x, y), 0x203F4EU) << x << ", " << y;
-  }
-  EXPECT_EQ(result->pixel(0, 52), 0x88B5C4U);
-}
-
 TEST_P(WaveformTest, HostPenDrawsBothPolylinesInTurn) {
   auto& services = runtime().replacedServices;
   services["REALSetPropValueInt"] = reinterpret_cast<void*>(recordProperty);

@@ -190,17 +190,6 @@ TEST_P(UnusableBitmapTest, SettlesTheReaderAllTheSame) {
   EXPECT_TRUE(inverts(picture(Storage::Bitmap)));
 }
 
-TEST_P(UnusableBitmapTest, SettlesTheWriterAllTheSame) {
-  runtime().settings.newPictures = Storage::Bitmap;
-  replaceNewPicture([](int32_t width, int32_t height, int32_t) -> Object* {
-    auto made = Picture::create(Storage::Bitmap, width, height);
-    GetParam().apply(bitmapOf(made));
-    return made.detach();
-  });
-  EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap)));
-  EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap)));
-}
-
 // --- New pictures that cannot be written -------------------------------------
 
 /// A bitmap context of another pixel size, or without pixels.

@@ -10,7 +10,6 @@
 #include "host/core/runtime.h"
 #include "host/core/string_record.h"
 #include "plugin/binding/exceptions.h"
-#include "plugin/binding/properties.h"
 #include "plugin/binding/services.h"
 #include "plugin/binding/strings.h"
 #include "plugin/pixels/copy.h"
@@ -96,25 +95,6 @@ TEST_F(BindingTest, ExceptionsCarryTheirMessage) {
             (Calls{"PluginNewInstance", "REALBuildString", "REALSetStringEncoding",
                    "RuntimeRaiseException", "REALSetPropValueString", "REALUnlockString"}));
   EXPECT_EQ(raised(), "NilObjectException: x");
-}
-
-TEST_F(BindingTest, IntegerProperties) {
-  const auto picture = Picture::create(Storage::GWorld, 7, 9);
-  const auto graphics = makeObject<Graphics>(picture);
-  auto* pictureHandle = reinterpret_cast<qrz::HostObject>(picture.get());
-  auto* graphicsHandle = reinterpret_cast<qrz::HostObject>(graphics.get());
-  EXPECT_EQ(qrz::GetWidthProperty(pictureHandle), 7);
-  EXPECT_EQ(qrz::GetHeightProperty(pictureHandle), 9);
-  EXPECT_EQ(qrz::GetWidthProperty(nullptr), 0);
-  const auto other = makeObject<ExceptionObject>("SomeException");
-  EXPECT_EQ(qrz::GetHeightProperty(reinterpret_cast<qrz::HostObject>(other.get())), 0);
-  EXPECT_EQ(qrz::SetForeColorProperty(graphicsHandle, 0x123456), 1);
-  EXPECT_EQ(qrz::SetPenWidthProperty(graphicsHandle, 5), 1);
-  EXPECT_EQ(qrz::SetPenHeightProperty(graphicsHandle, 6), 1);
-  EXPECT_EQ(picture->pen.color, 0x123456U);
-  EXPECT_EQ(picture->pen.width, 5);
-  EXPECT_EQ(picture->pen.height, 6);
-  EXPECT_EQ(qrz::SetPenWidthProperty(pictureHandle, 5), 0);
 }
 
 uint32_t lastFlag = 0;

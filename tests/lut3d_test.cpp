@@ -112,16 +112,13 @@ TEST_P(Lut3DTest, TableKeepsWhatIsInRangeAndNothingElse) {
   setTable(1, 2, 3, 0, -1e300);
   setTable(1, 2, 3, 1, 7);
   setTable(1, 3, 2, 0, 8);
-  for (const auto& index : std::vector<std::array<int32_t, 4>>{{18, 0, 0, 0},
-                                                               {0, 18, 0, 0},
-                                                               {0, 0, 18, 0},
-                                                               {0, 0, 0, 3},
-                                                               {-1, 0, 0, 0},
-                                                               {0, 0, 0, -1},
-                                                               {INT_MIN, 1, 1, 1},
-                                                               {1, INT_MAX, 1, 1}}) {
-    setTable(index[0], index[1], index[2], index[3], 99);
-    EXPECT_EQ(table(index[0], index[1], index[2], index[3]), 0.0);
+  for (size_t axis = 0; axis < 4; ++axis) {
+    for (const int32_t outside : {axis < 3 ? 18 : 3, -1, INT_MIN, INT_MAX}) {
+      std::array<int32_t, 4> index = {1, 1, 1, 1};
+      index.at(axis) = outside;
+      setTable(index[0], index[1], index[2], index[3], 99);
+      EXPECT_EQ(table(index[0], index[1], index[2], index[3]), 0.0);
+    }
   }
   int filled = 0;
   for (int32_t i = 0; i < 18 * 18 * 18 * 3; ++i) {

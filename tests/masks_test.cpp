@@ -260,12 +260,6 @@ TEST_P(BoxMaskTest, RandomBarsAndDiagonals) {
   }
 }
 
-TEST_F(HasMaskTest, BoxesAreMadeWithOneReaderAndOneWriter) {
-  const auto picture = Picture::create(Storage::GWorld, 4, 4);
-  EXPECT_EQ(callsDuring([&] { filter(kExtract, picture); }),
-            joined({openGWorld, createGWorld, finishGWorld, closeGWorld}));
-}
-
 // --- Shapes that take a careless search for ever ------------------------------
 
 /// A pixel and the picture's size.

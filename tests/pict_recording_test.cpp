@@ -106,14 +106,6 @@ TEST_F(PictRecordingTest, WideRowsAreCountedInWords) {
                     hex("0004 81 77 C4 77 00FF")}));
 }
 
-TEST_F(PictRecordingTest, TheWidestRow) {
-  std::string row;  // 12285 equal bytes
-  for (int i = 0; i < 95; ++i) row += "81 55";
-  EXPECT_EQ(recordedBytes(pictureOf(4095, 1, Words(4095, 0x00555555))),
-            joined({headerOf("01 3E", "0001 0FFF"), mapOf("BFFC", "0000 0000 0001 0FFF"),
-                    hex("00C0" + row + "84 55"), hex("00FF")}));
-}
-
 TEST_F(PictRecordingTest, TheSizeIsThatOfTheHandle) {
   for (const int32_t width : {3, 100, 300}) {
     const Bytes bytes = recordedBytes(randomPicture(width, 99));

@@ -94,8 +94,10 @@ TEST_P(SepiaTest, HostileWeightsAndOffsets) {
                            {2741.375, 2741.375, 2741.5}};
   for (const Weights& values : edges) {
     setWeights(values);
-    setOffsets({-60, 5, 1});
-    expectRun(source);
+    for (const Offsets& ends : {Offsets{-60, 5, 1}, {INT_MIN, INT_MAX, -2097153}}) {
+      setOffsets(ends);
+      expectRun(source);
+    }
   }
 }
 

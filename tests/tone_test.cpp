@@ -109,7 +109,7 @@ TEST_P(ToneTest, EveryLevelWithHostileArguments) {
     for (const double value : hostileNumbers) {
       expectMapped(operation, picture, Arguments(operation.count, value));
     }
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 300; ++i) {
       Arguments x = randomArguments(operation.count);
       for (double& value : x) value = random() % 2 == 0 ? pick() : value;
       expectMapped(operation, picture, x);

@@ -91,6 +91,9 @@ auto externalRelocation(const std::function<void(Relocation&)>& work) {
       [](const Bytes& bundle) { return tablesOf(bundle).externalRelocationOffset; }, work);
 }
 
+/// The only page of the small bundle's data.
+constexpr uint32_t kSmallData = 0x2000;
+
 TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
   const struct {
     const char* reason;
@@ -115,6 +118,8 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
        segment(2, [](SegmentCommand& it) { it.address = 0; })},
       {"code that can be changed in the segment __DATA",
        segment(1, [](SegmentCommand& it) { it.initialProtection = 7; })},
+      {"not laid out in pages: __LINKEDIT",
+       segment(2, [](SegmentCommand& it) { it.fileSize = it.size + 1; })},
       {"before its segments", segment(2, [](SegmentCommand& it) { it.fileOffset = 0x7FFFFFFF; })},
       {"has constructors, which run when it is loaded (__DATA,__data)",
        section([](Section& it) { it.flags = 9; })},
@@ -124,11 +129,31 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
       {"relocations of its own", section([](Section& it) { it.relocationCount = 1; })},
       {"before its symbols", symbolTable([](SymbolTableCommand& it) { it.symbolCount = ~0U; })},
       {"a name outside its table", symbolTable([](SymbolTableCommand& it) { it.stringSize = 1; })},
-      {"does not export REALPluginMain", symbolTable([](SymbolTableCommand& it) {
-         it.symbolOffset += sizeof(Symbol);
-         --it.symbolCount;
-       })},
+      {"a name without an end, or one that is too long",
+       [](Bytes& bundle) {
+         const auto size = static_cast<uint32_t>(bundle.size());
+         symbolTable([size](SymbolTableCommand& it) {
+           it.stringOffset = size;
+           it.stringSize = 301;
+         })(bundle);
+         bundle.resize(size + 300, 'A');
+         bundle.push_back(0);
+       }},
+      {"imports _, which is no C function",
+       [](Bytes& bundle) { bundle[offsetOf(bundle, "_GetHandleSize") + 1] = 0; }},
+      {"outside the range of its kind: _REAL", dynamicTable([](auto& it) { it.definedCount = 0; })},
+      {"outside the range of its kind: _", dynamicTable([](auto& it) { ++it.firstUndefined; })},
+      {"outside the range of its kind: _", dynamicTable([](auto& it) { --it.undefinedCount; })},
+      {"does not export REALPluginMain",
+       [](Bytes& bundle) {
+         symbolTable([](SymbolTableCommand& it) {
+           it.symbolOffset += sizeof(Symbol);
+           --it.symbolCount;
+         })(bundle);
+         dynamicTable([](auto& it) { it.firstUndefined = 0; })(bundle);
+       }},
       {"entry point outside its code", symbol(0, [](Symbol& it) { it.value = 0x7FFFFFFF; })},
+      {"entry point outside its code", symbol(0, [](Symbol& it) { it.value = kSmallData; })},
       {"a symbol of the unknown type 0x2: _", symbol(1, [](Symbol& it) { it.type = 2; })},
       {"in an unknown way: 0x400", symbol(1, [](Symbol& it) { it.description = 4 << 8; })},
       {"in an unknown way: 0x340", symbol(1, [](Symbol& it) { it.description = 3 << 8 | 0x40; })},
@@ -141,8 +166,17 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
        localRelocation([](auto& it) { it.address = 0x1000; })},
       {"relocation outside its data at 0x7FFFFFFE",
        externalRelocation([](auto& it) { it.address = 0x7FFFFFFE; })},
+      {"relocation outside its data at 0x2FFD",
+       externalRelocation([](auto& it) { it.address = kSmallData + mach_o::kPageSize - 3; })},
       {"section that is not there", localRelocation([](auto& it) { it.target &= 7U << 25; })},
+      {"section that is not there", localRelocation([](auto& it) { it.target |= 7; })},
+      {"relocation of 0x10000, which is no address of its own",
+       [](Bytes& bundle) {
+         const auto place = recordAt<Relocation>(bundle, tablesOf(bundle).localRelocationOffset);
+         change<uint32_t>(bundle, place.address, [](uint32_t& word) { word = 0x10000; });
+       }},
       {"two relocations at 0x", localRelocation([](auto& it) { it.address += 4; })},
+      {"two relocations at 0x", externalRelocation([](auto& it) { it.address += 2; })},
       {"a symbol that it does not import",
        externalRelocation([](auto& it) { it.target &= 0xFF000000; })},
   };

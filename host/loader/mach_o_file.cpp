@@ -15,6 +15,9 @@ namespace {
 
 /// More than any plug-in takes up.
 constexpr uint32_t kLargestImage = 256U << 20;
+/// Longer than any function's; without it, many symbols of one long name would
+/// take up far more memory than the file.
+constexpr size_t kLongestName = 255;
 
 [[noreturn]] void refuse(const std::string& reason) { throw std::runtime_error(reason); }
 
@@ -207,15 +210,19 @@ class Reader {
   void readSymbols() {
     const auto& [command, offset, count, stringOffset, stringSize] = *symbolTable_;
     const auto strings = bytes(stringOffset, stringSize, "names");
+    const mach_o::DynamicSymbolTableCommand& ranges = *dynamicSymbolTable_;
     bool hasEntryPoint = false;
     for (const mach_o::Symbol& symbol : table<mach_o::Symbol>(offset, count, "symbols")) {
       const std::string name = nameAt(strings, symbol.name);
+      const size_t number = importOfSymbol_.size();
       importOfSymbol_.emplace_back();
       if (symbol.type == mach_o::kUndefinedExternal) {
+        checkRange(number, ranges.firstUndefined, ranges.undefinedCount, name);
         importOfSymbol_.back() = result_.imports.size();
         result_.imports.push_back(importName(symbol, name));
       } else if (symbol.type == mach_o::kDefinedExternal && name == mach_o::kEntryPoint &&
                  !hasEntryPoint) {
+        checkRange(number, ranges.firstDefined, ranges.definedCount, name);
         checkEntryPoint(symbol.value);
         hasEntryPoint = true;
       } else {
@@ -225,12 +232,20 @@ class Reader {
     if (!hasEntryPoint) refuse("is no plug-in: it does not export REALPluginMain");
   }
 
+  /// The system's loader looks for each kind of symbols in a range of its own.
+  static void checkRange(size_t number, uint32_t first, uint32_t count, const std::string& name) {
+    if (number < first || number - first >= count) {
+      refuse("has a symbol outside the range of its kind: " + name);
+    }
+  }
+
   static std::string nameAt(std::span<const uint8_t> strings, uint32_t offset) {
     if (offset >= strings.size()) refuse("has a name outside its table");
     const auto rest = strings.subspan(offset);
-    const auto end = std::ranges::find(rest, 0);
-    if (end == rest.end()) refuse("has a name without an end");
-    std::string name(rest.begin(), end);
+    const auto start = rest.first(std::min(rest.size(), kLongestName + 1));
+    const auto end = std::ranges::find(start, 0);
+    if (end == start.end()) refuse("has a name without an end, or one that is too long");
+    std::string name(start.begin(), end);
     for (const char letter : name) {
       if (letter <= ' ' || letter > '~') refuse("has a name with strange characters");
     }
@@ -243,7 +258,8 @@ class Reader {
         (library != mach_o::kFlatLookup && (library == 0 || library > libraryCount_))) {
       refuse("wants " + name + " in an unknown way: " + hex(symbol.description));
     }
-    if (!name.starts_with('_')) refuse("imports " + name + ", which is no C function");
+    if (!name.starts_with('_') || name.size() == 1)
+      refuse("imports " + name + ", which is no C function");
     return name.substr(1);
   }
 

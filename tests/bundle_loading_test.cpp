@@ -304,6 +304,9 @@ TEST_F(BundleCommandTest, OneLineSaysWhatIsWrongWithAPlugin) {
   expectRefused("import", "imports what this process does not have: GetHandleHize");
   runCommand("mkdir -p " + path("folder"));
   expectRefused("folder", "is a folder, but no bundle with a plug-in in Contents/MacOS");
+  runCommand("mkdir -p " + path("folder/Contents") + " && ln -s /proc/self/mem " +
+             path("folder/Contents/Info.plist"));
+  expectRefused("folder", "cannot be read: Input/output error; check the name and the permissions");
   write("text", "no plug-in");
   expectRefused("text", "is no plug-in: neither an ELF image nor a Mach-O bundle");
 }
@@ -314,6 +317,10 @@ TEST_F(BundleCommandTest, TheFolderMayBearAnyName) {
   runCommand("cp -r " QRZ_BUILD_FOLDER "/PictureQRZ.bundle " + path("Other.bundle"));
   const std::string wanted = qrz("members").output;
   EXPECT_EQ(qrz("--plugin " + path("Other.bundle/") + " members").output, wanted);
+  runCommand("mkdir -p " + path("deep/er") + " && ln -s deep/er " + path("link") + " && mv " +
+             path("Other.bundle") + " " + path("deep"));
+  EXPECT_EQ(qrz("--plugin " + path("link/../Other.bundle") + " members").output, wanted);
+  runCommand("mv " + path("deep/Other.bundle") + " " + path("Other.bundle"));
   EXPECT_EQ(qrz("--plugin " + path("Other.bundle/Contents/MacOS/PictureQRZ") + " members").output,
             wanted);
   runCommand("cd " + path("Other.bundle/Contents") +

@@ -20,10 +20,6 @@ namespace fs = std::filesystem;
 
 using EntryPoint = void (*)(void* (*resolver)(const char*));
 
-[[noreturn]] void fail(const std::string& path, const std::string& reason) {
-  throw std::runtime_error(path + ": " + reason);
-}
-
 /// The text of a bundle's property list for a key that holds a string; empty
 /// without one.
 std::string property(const fs::path& bundle, const std::string& key) {
@@ -49,16 +45,15 @@ fs::path executableOf(const fs::path& bundle) {
 
 fs::path fileOf(const std::string& path) {
   std::error_code error;
-  fs::path file = fs::absolute(path, error).lexically_normal();
-  if (!file.has_filename()) file = file.parent_path();  // after a slash at the end
+  fs::path file = fs::canonical(path, error);  // "." has no name to go by
   if (fs::is_directory(file, error)) {
     file = executableOf(file);
     if (!fs::is_regular_file(file, error)) {
-      fail(path, "is a folder, but no bundle with a plug-in in Contents/MacOS");
+      throw std::runtime_error("is a folder, but no bundle with a plug-in in Contents/MacOS");
     }
   }
   if (!fs::is_regular_file(file, error)) {
-    fail(path, "there is no plug-in; build it or name one with --plugin");
+    throw std::runtime_error("there is no plug-in; build it or name one with --plugin");
   }
   return file;
 }
@@ -94,13 +89,13 @@ EntryPoint loadBundle(std::span<const uint8_t> bytes) {
 }  // namespace
 
 void loadPlugin(const std::string& path) {
-  const fs::path file = fileOf(path);
   EntryPoint entry = nullptr;
   try {
+    const fs::path file = fileOf(path);
     const auto bytes = readFile(file.string());
     entry = isMachO(bytes) ? loadBundle(bytes) : loadSharedImage(file, bytes);
   } catch (const std::runtime_error& error) {
-    fail(path, error.what());
+    throw std::runtime_error(path + ": " + error.what());
   }
   entry(resolveService);
 }

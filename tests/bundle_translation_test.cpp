@@ -112,6 +112,8 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
       {"imports calloc_, which is on no list",
        [](Bytes& image) { rename(image, "GetHandleSize", std::string("calloc_\0", 8)); }},
       {"unknown section .dato", [](Bytes& image) { rename(image, ".data", ".dato"); }},
+      {"section that no segment loads: ",
+       [](Bytes& image) { change<Elf32_Ehdr>(image, 0, [](Elf32_Ehdr& it) { it.e_phnum = 0; }); }},
       {"no shared ELF image for i386", [](Bytes& image) { image[EI_CLASS] = ELFCLASS64; }},
   };
   for (const auto& [reason, damage] : refusals) {

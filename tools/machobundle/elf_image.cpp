@@ -94,7 +94,9 @@ class Reader {
   std::vector<Record> table(uint32_t offset, uint32_t size) const {
     const auto from = bytes(offset, size);
     std::vector<Record> records(size / sizeof(Record));
-    memcpy(records.data(), from.data(), records.size() * sizeof(Record));
+    if (!records.empty()) {
+      memcpy(records.data(), from.data(), records.size() * sizeof(Record));
+    }
     return records;
   }
 

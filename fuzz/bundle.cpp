@@ -14,7 +14,7 @@ void load(std::span<const uint8_t> bytes) {
   const auto code = image.bytes();
   const auto* entry = static_cast<const uint8_t*>(image.entryPoint());
   if (entry < code.data() || entry >= code.data() + code.size()) abort();
-  host::checkContents(bytes);
+  host::checkContents(file, bytes);
 }
 
 }  // namespace

@@ -70,6 +70,12 @@ auto dynamicTable(const std::function<void(DynamicSymbolTableCommand&)>& work) {
   return changing<DynamicSymbolTableCommand>(
       [](const Bytes& bundle) { return commandAt(bundle, CommandType::DynamicSymbolTable); }, work);
 }
+/// The identifier's command, which has the size of a symbol table's.
+auto uuidAs(CommandType type) {
+  return changing<mach_o::Command>(
+      [](const Bytes& bundle) { return commandAt(bundle, CommandType::Uuid); },
+      [type](mach_o::Command& it) { it.type = type; });
+}
 auto symbol(uint32_t n, const std::function<void(Symbol&)>& work) {
   return changing<Symbol>(
       [n](const Bytes& bundle) {
@@ -101,6 +107,7 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
   } refusals[] = {
       {"not one for i386 alone", header([](Header& it) { it.magic = 0xFEEDFACF; })},
       {"another processor than i386: type 0x12", header([](Header& it) { it.cpuType = 18; })},
+      {"type 0x7, subtype 0x4", header([](Header& it) { it.cpuSubtype = 4; })},
       {"a Mach-O file of type 0x6", header([](Header& it) { it.fileType = 6; })},
       {"unknown header flags 0x2085", header([](Header& it) { it.flags |= 0x2000; })},
       {"more load commands than room", header([](Header& it) { ++it.commandCount; })},
@@ -114,8 +121,23 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
       {"not laid out in pages: __DATA", segment(1, [](SegmentCommand& it) { it.address += 16; })},
       {"a segment above 0x10000000: __DATA",
        segment(1, [](SegmentCommand& it) { it.size = 0xFFFFF000; })},
-      {"segments that overlap: __TEXT and __LINKEDIT",
+      {"not laid out in pages: __TEXT", segment(0, [](SegmentCommand& it) { it.size = 0; })},
+      {"do not follow each other: __TEXT and __LINKEDIT",
        segment(2, [](SegmentCommand& it) { it.address = 0; })},
+      {"do not follow each other: __DATA and __LINKEDIT",
+       segment(2, [](SegmentCommand& it) { it.address += mach_o::kPageSize; })},
+      {"no segment at address 0", header([](Header& it) {
+         it.commandCount = 0;
+         it.commandsSize = 0;
+       })},
+      {"unknown flags of the segment __DATA", segment(1, [](SegmentCommand& it) { it.flags = 1; })},
+      {"unknown protection of the segment __LINKEDIT",
+       segment(2, [](SegmentCommand& it) { it.initialProtection = 9; })},
+      {"unknown protection of the segment __TEXT",
+       segment(0, [](SegmentCommand& it) { it.maximumProtection = mach_o::kRead; })},
+      {"second or damaged LC_SYMTAB", uuidAs(CommandType::SymbolTable)},
+      {"second or damaged LC_UUID",
+       symbolTable([](SymbolTableCommand& it) { it.command.type = CommandType::Uuid; })},
       {"code that can be changed in the segment __DATA",
        segment(1, [](SegmentCommand& it) { it.initialProtection = 7; })},
       {"not laid out in pages: __LINKEDIT",
@@ -155,6 +177,9 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
       {"entry point outside its code", symbol(0, [](Symbol& it) { it.value = 0x7FFFFFFF; })},
       {"entry point outside its code", symbol(0, [](Symbol& it) { it.value = kSmallData; })},
       {"a symbol of the unknown type 0x2: _", symbol(1, [](Symbol& it) { it.type = 2; })},
+      {"a name with strange characters",
+       [](Bytes& bundle) { bundle[offsetOf(bundle, "_GetHandleSize") + 1] = '\n'; }},
+      {"in an unknown way: 0xFE00", symbol(1, [](Symbol& it) { it.value = 8; })},
       {"in an unknown way: 0x400", symbol(1, [](Symbol& it) { it.description = 4 << 8; })},
       {"in an unknown way: 0x340", symbol(1, [](Symbol& it) { it.description = 3 << 8 | 0x40; })},
       {"or indirect symbols", dynamicTable([](auto& it) { it.indirectCount = 1; })},
@@ -204,7 +229,7 @@ TEST(BundleLoading, SurvivesEveryTruncationAndEveryFalseByte) {
     const std::string fault = faultOf([&] {
       const MachOFile file = readMachOFile(damaged);
       const MachOImage image(file, anyImport);
-      checkContents(damaged);
+      checkContents(file, damaged);
     });
     // An identifier of another kind says nothing about the contents.
     const bool isKind = i == uuid + 6 || i == uuid + 8;
@@ -244,8 +269,13 @@ Bytes shippedBundle() {
 void* const kLowAddress = reinterpret_cast<void*>(0x48000000);
 void* const kHighAddress = reinterpret_cast<void*>(0x71235000);
 
-TEST(BundleLoading, AtTwoAddressesOnlyRelocatedWordsDiffer) {
-  const Bytes bundle = shippedBundle();
+class BundleAddressTest : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Images, BundleAddressTest,
+                         testing::Values("shipped", "small", "linkage_table"));
+
+TEST_P(BundleAddressTest, AtTwoAddressesOnlyRelocatedWordsDiffer) {
+  const std::string name = GetParam();
+  const Bytes bundle = name == "shipped" ? shippedBundle() : bundleOf(smallImage(name));
   const MachOFile file = readMachOFile(bundle);
   ASSERT_FALSE(file.localFixUps.empty());
   ASSERT_FALSE(file.importFixUps.empty());

@@ -3,6 +3,8 @@
 #include <elf.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "host/files/file_bytes.h"
 #include "tests/support/bundle.h"
 #include "tests/support/command.h"
@@ -32,13 +34,37 @@ void changeRelocation(Bytes& image, const std::function<void(Elf32_Rel&)>& work)
   change<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset, work);
 }
 
+void changeDynamicEntry(Bytes& image, int32_t tag, const std::function<void(Elf32_Dyn&)>& work) {
+  size_t at = sectionOf(image, SHT_DYNAMIC).sh_offset;
+  while (recordAt<Elf32_Dyn>(image, at).d_tag != tag) at += sizeof(Elf32_Dyn);
+  change<Elf32_Dyn>(image, at, work);
+}
+
 /// Puts another entry in the place of one that means nothing here.
 void addDynamicEntry(Bytes& image, int32_t tag, uint32_t value = 0) {
-  change<Elf32_Dyn>(image, sectionOf(image, SHT_DYNAMIC).sh_offset, [&](Elf32_Dyn& entry) {
-    ASSERT_EQ(entry.d_tag, DT_SYMBOLIC);
+  changeDynamicEntry(image, DT_SYMBOLIC, [&](Elf32_Dyn& entry) {
     entry.d_tag = tag;
     entry.d_un.d_val = value;
   });
+}
+
+/// The number of the symbol REALPluginMain.
+uint32_t entrySymbol(const Bytes& image) {
+  const auto table = sectionOf(image, SHT_DYNSYM);
+  for (uint32_t i = 1;; ++i) {
+    const auto symbol = recordAt<Elf32_Sym>(image, table.sh_offset + i * sizeof(Elf32_Sym));
+    if (symbol.st_shndx != SHN_UNDEF) return i;
+  }
+}
+
+size_t entrySymbolAt(const Bytes& image) {
+  return sectionOf(image, SHT_DYNSYM).sh_offset + entrySymbol(image) * sizeof(Elf32_Sym);
+}
+
+/// Where a word of the data is in the image's file.
+size_t dataAt(const Bytes& image, uint32_t address) {
+  const auto dynamic = sectionOf(image, SHT_DYNAMIC);
+  return address - dynamic.sh_addr + dynamic.sh_offset;
 }
 
 void rename(Bytes& image, const std::string& from, const std::string& to) {
@@ -56,9 +82,10 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
        [](Bytes& image) {
          changeRelocation(image, [](Elf32_Rel& each) { each.r_info = R_386_PC32; });
        }},
-      {"relocation outside its data at 0x1234",
+      {"relocation outside its data at 0x",
        [](Bytes& image) {
-         changeRelocation(image, [](Elf32_Rel& each) { each.r_offset = 0x1234; });
+         const uint32_t code = recordAt<Elf32_Sym>(image, entrySymbolAt(image)).st_value;
+         changeRelocation(image, [code](Elf32_Rel& each) { each.r_offset = code; });
        }},
       {"has two relocations at 0x",
        [](Bytes& image) { changeRelocation(image, [](Elf32_Rel& each) { each.r_offset += 4; }); }},
@@ -69,14 +96,16 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
       {"has a relocation to 0xFFF00000, which is nowhere,",
        [](Bytes& image) {
          // The first one is of the first word of the data.
-         const auto data = sectionOf(image, SHT_DYNAMIC);
-         const auto place =
-             recordAt<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset).r_offset;
-         change<uint32_t>(image, place - data.sh_addr + data.sh_offset,
+         const auto first = recordAt<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset);
+         change<uint32_t>(image, dataAt(image, first.r_offset),
                           [](uint32_t& word) { word = 0xFFF00000; });
        }},
-      {"has relocations in no section",
+      {"has relocations elsewhere than in its sections",
        [](Bytes& image) { addDynamicEntry(image, DT_PLTRELSZ, 8); }},
+      {"has relocations elsewhere than in its sections",
+       [](Bytes& image) {
+         changeDynamicEntry(image, DT_REL, [](Elf32_Dyn& entry) { entry.d_un.d_ptr += 8; });
+       }},
       {"has relocations in its code (DT_TEXTREL)",
        [](Bytes& image) { addDynamicEntry(image, DT_TEXTREL); }},
       {"runs code when it is loaded (DT_INIT)",
@@ -98,6 +127,10 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
       {"stack that can be executed",
        [](Bytes& image) {
          changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_flags |= PF_X; });
+       }},
+      {"more segments than one of code and one of data",
+       [](Bytes& image) {
+         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_type = PT_LOAD; });
        }},
       {"code that can be changed",
        [](Bytes& image) {
@@ -132,6 +165,36 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
   }
 }
 
+TEST(BundleTranslation, AddressOfTheImagesOwnSymbol) {
+  Bytes image = smallImage();
+  const Elf32_Sym entry = recordAt<Elf32_Sym>(image, entrySymbolAt(image));
+  uint32_t place = 0;
+  changeRelocation(image, [&](Elf32_Rel& each) {
+    place = each.r_offset;
+    each.r_info = ELF32_R_INFO(entrySymbol(image), R_386_32);
+  });
+  change<uint32_t>(image, dataAt(image, place), [](uint32_t& word) { word = 8; });
+  EXPECT_EQ(recordAt<uint32_t>(bundleOf(image), place), entry.st_value + 8);
+}
+
+TEST(BundleTranslation, WhatOnlyTheElfLoaderUsesDoesNotShow) {
+  const Bytes wanted = bundleOf(smallImage());
+  Bytes image = smallImage();
+  const auto relocations = sectionOf(image, SHT_REL);
+  uint32_t last = 0;
+  for (uint32_t at = 0; at < relocations.sh_size; at += sizeof(Elf32_Rel)) {
+    const auto each = recordAt<Elf32_Rel>(image, relocations.sh_offset + at);
+    if (ELF32_R_TYPE(each.r_info) != R_386_GLOB_DAT) continue;
+    change<uint32_t>(image, dataAt(image, each.r_offset), [](uint32_t& word) { word = 0x1234; });
+    last = std::max(last, each.r_offset);
+  }
+  // The loader's own words follow; the first is the address of the dynamic section.
+  const size_t reserved = dataAt(image, last + 4);
+  ASSERT_EQ(recordAt<uint32_t>(image, reserved), sectionOf(image, SHT_DYNAMIC).sh_addr);
+  std::fill_n(image.begin() + static_cast<ptrdiff_t>(reserved), 12, uint8_t{0x77});
+  EXPECT_EQ(bundleOf(image), wanted);
+}
+
 class MachobundleTest : public FolderTest {
  protected:
   [[nodiscard]] Outcome translate(const std::string& image) const {
@@ -149,7 +212,7 @@ TEST_F(MachobundleTest, SaysInOneLineWhatIsWrongAndLeavesNothing) {
       {small("strange_import"), "imports exit, which is on no list of imports"},
       {path("none"),
        "cannot be read: No such file or directory; check the name and the permissions"},
-      {"/dev/null", "is truncated"},
+      {"/dev/null", "is truncated: the file ends before its header"},
   };
   for (const auto& [image, reason] : refusals) {
     const Outcome outcome = translate(image);

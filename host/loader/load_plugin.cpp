@@ -79,7 +79,7 @@ EntryPoint loadSharedImage(const fs::path& file, std::span<const uint8_t> bytes)
 
 EntryPoint loadBundle(std::span<const uint8_t> bytes) {
   const MachOFile file = readMachOFile(bytes);
-  checkContents(bytes);
+  checkContents(file, bytes);
   // Never unmapped: the host keeps pointers into it.
   static auto* images = new std::vector<std::unique_ptr<MachOImage>>;
   images->push_back(std::make_unique<MachOImage>(file, importFromProcess));

@@ -4,35 +4,26 @@
 #include <array>
 #include <cstring>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
+#include "platform/mach_o/checked_file.h"
 #include "platform/mach_o/content_uuid.h"
 #include "platform/mach_o/format.h"
 
 namespace host {
 namespace {
 
-/// More than any plug-in takes up.
-constexpr uint32_t kLargestImage = 256U << 20;
+using mach_o::CheckedFile;
+using mach_o::hex;
+using mach_o::kLargestImage;
+using mach_o::refuse;
+
 /// Longer than any function's; without it, many symbols of one long name would
 /// take up far more memory than the file.
 constexpr size_t kLongestName = 255;
 
-[[noreturn]] void refuse(const std::string& reason) { throw std::runtime_error(reason); }
-
-std::string hex(uint32_t value) {
-  std::array<char, 16> text{};
-  snprintf(text.data(), text.size(), "0x%X", value);
-  return text.data();
-}
-
 std::string textOf(const mach_o::Name& name) {
-  std::string text(name.data(), strnlen(name.data(), name.size()));
-  for (char& letter : text) {
-    if (letter < ' ' || letter > '~') letter = '?';
-  }
-  return text;
+  return mach_o::printable({name.data(), strnlen(name.data(), name.size())});
 }
 
 class Reader {
@@ -48,42 +39,13 @@ class Reader {
     return std::move(result_);
   }
 
-  /// Where the identifier stands; nothing if there is none.
-  std::optional<size_t> uuidOffset() {
-    readHeader();
-    readCommands();
-    return uuidOffset_;
-  }
-
  private:
   using Segment = MachOFile::Segment;
 
-  std::span<const uint8_t> bytes(uint32_t offset, uint64_t size, const char* what) const {
-    if (offset > file_.size() || size > file_.size() - offset) {
-      refuse(std::string("is truncated: the file ends before its ") + what);
-    }
-    return file_.subspan(offset, static_cast<size_t>(size));
-  }
-
-  template <typename Record>
-  Record record(uint32_t offset, const char* what) const {
-    Record value;
-    memcpy(&value, bytes(offset, sizeof value, what).data(), sizeof value);
-    return value;
-  }
-
-  template <typename Record>
-  std::vector<Record> table(uint32_t offset, uint32_t count, const char* what) const {
-    const auto from = bytes(offset, uint64_t{count} * sizeof(Record), what);
-    std::vector<Record> records(count);
-    if (count > 0) memcpy(records.data(), from.data(), from.size());
-    return records;
-  }
-
   void readHeader() {
-    const auto magic = record<uint32_t>(0, "header");
+    const auto magic = file_.record<uint32_t>(0, "header");
     if (magic != mach_o::kMagic) refuse("is a Mach-O file, but not one for i386 alone");
-    header_ = record<mach_o::Header>(0, "header");
+    header_ = file_.record<mach_o::Header>(0, "header");
     if (header_.cpuType != mach_o::kCpuTypeI386 || header_.cpuSubtype != mach_o::kCpuSubtypeAll) {
       refuse("is for another processor than i386: type " + hex(header_.cpuType) + ", subtype " +
              hex(header_.cpuSubtype));
@@ -99,10 +61,11 @@ class Reader {
   void readCommands() {
     uint32_t offset = sizeof(mach_o::Header);
     const uint32_t end =
-        offset + static_cast<uint32_t>(bytes(offset, header_.commandsSize, "load commands").size());
+        offset +
+        static_cast<uint32_t>(file_.bytes(offset, header_.commandsSize, "load commands").size());
     for (uint32_t i = 0; i < header_.commandCount; ++i) {
       if (end - offset < sizeof(mach_o::Command)) refuse("has more load commands than room");
-      const auto command = record<mach_o::Command>(offset, "load commands");
+      const auto command = file_.record<mach_o::Command>(offset, "load commands");
       if (command.size < sizeof command || command.size % 4 != 0 || command.size > end - offset) {
         refuse("has a load command of the impossible size " + hex(command.size));
       }
@@ -125,10 +88,10 @@ class Reader {
         ++libraryCount_;
         return;
       case mach_o::CommandType::Uuid:
-        if (uuidOffset_ || command.size != sizeof(mach_o::UuidCommand)) {
+        if (result_.uuidOffset || command.size != sizeof(mach_o::UuidCommand)) {
           refuse("has a second or damaged LC_UUID");
         }
-        uuidOffset_ = offset + offsetof(mach_o::UuidCommand, uuid);
+        result_.uuidOffset = offset + offsetof(mach_o::UuidCommand, uuid);
         return;
     }
     refuse("has the unknown load command " + hex(static_cast<uint32_t>(command.type)));
@@ -136,7 +99,7 @@ class Reader {
 
   template <typename Command>
   void readOnce(std::optional<Command>& slot, uint32_t offset, const char* name) const {
-    const auto command = record<Command>(offset, "load commands");
+    const auto command = file_.record<Command>(offset, "load commands");
     if (slot || command.command.size != sizeof command) {
       refuse(std::string("has a second or damaged ") + name);
     }
@@ -144,7 +107,7 @@ class Reader {
   }
 
   void readSegment(uint32_t offset) {
-    const auto command = record<mach_o::SegmentCommand>(offset, "load commands");
+    const auto command = file_.record<mach_o::SegmentCommand>(offset, "load commands");
     const std::string name = textOf(command.name);
     const uint64_t size = sizeof command + uint64_t{command.sectionCount} * sizeof(mach_o::Section);
     if (command.command.size != size) refuse("has a damaged segment " + name);
@@ -158,12 +121,14 @@ class Reader {
     if (command.flags != 0) refuse("has unknown flags of the segment " + name);
     const uint32_t protection = command.initialProtection;
     constexpr uint32_t kWriteAndExecute = mach_o::kWrite | mach_o::kExecute;
-    if (protection > 7) refuse("has an unknown protection of the segment " + name);
+    if (protection > 7 || (protection & ~command.maximumProtection) != 0) {
+      refuse("has an unknown protection of the segment " + name);
+    }
     if ((protection & kWriteAndExecute) == kWriteAndExecute) {
       refuse("has code that can be changed in the segment " + name);
     }
     result_.segments.push_back({name, command.address, command.size,
-                                bytes(command.fileOffset, command.fileSize, "segments"),
+                                file_.bytes(command.fileOffset, command.fileSize, "segments"),
                                 protection});
     for (uint32_t i = 0; i < command.sectionCount; ++i) {
       readSection(offset + static_cast<uint32_t>(sizeof command + i * sizeof(mach_o::Section)),
@@ -172,7 +137,7 @@ class Reader {
   }
 
   void readSection(uint32_t offset, const mach_o::SegmentCommand& segment) {
-    const auto section = record<mach_o::Section>(offset, "load commands");
+    const auto section = file_.record<mach_o::Section>(offset, "load commands");
     const std::string name = textOf(section.segment) + "," + textOf(section.name);
     const uint32_t from = section.address - segment.address;
     if (section.address < segment.address || from > segment.size ||
@@ -197,11 +162,12 @@ class Reader {
 
   void checkSegments() {
     auto& segments = result_.segments;
-    if (segments.empty()) refuse("has no segments");
     std::ranges::sort(segments, {}, &Segment::address);
+    if (segments.empty() || segments.front().address != 0) refuse("has no segment at address 0");
     for (size_t i = 1; i < segments.size(); ++i) {
-      if (segments[i].address < segments[i - 1].end()) {
-        refuse("has segments that overlap: " + segments[i - 1].name + " and " + segments[i].name);
+      if (segments[i].address != segments[i - 1].end()) {
+        refuse("has segments that do not follow each other: " + segments[i - 1].name + " and " +
+               segments[i].name);
       }
     }
     if (!symbolTable_ || !dynamicSymbolTable_) refuse("has no symbol tables");
@@ -209,10 +175,10 @@ class Reader {
 
   void readSymbols() {
     const auto& [command, offset, count, stringOffset, stringSize] = *symbolTable_;
-    const auto strings = bytes(stringOffset, stringSize, "names");
+    const auto strings = file_.bytes(stringOffset, stringSize, "names");
     const mach_o::DynamicSymbolTableCommand& ranges = *dynamicSymbolTable_;
     bool hasEntryPoint = false;
-    for (const mach_o::Symbol& symbol : table<mach_o::Symbol>(offset, count, "symbols")) {
+    for (const mach_o::Symbol& symbol : file_.table<mach_o::Symbol>(offset, count, "symbols")) {
       const std::string name = nameAt(strings, symbol.name);
       const size_t number = importOfSymbol_.size();
       importOfSymbol_.emplace_back();
@@ -286,13 +252,13 @@ class Reader {
         tables.indirectCount != 0) {
       refuse("has tables of contents, modules, references or indirect symbols");
     }
-    for (const auto& relocation : table<mach_o::Relocation>(
+    for (const auto& relocation : file_.table<mach_o::Relocation>(
              tables.localRelocationOffset, tables.localRelocationCount, "local relocations")) {
       readLocal(relocation);
     }
     for (const auto& relocation :
-         table<mach_o::Relocation>(tables.externalRelocationOffset, tables.externalRelocationCount,
-                                   "external relocations")) {
+         file_.table<mach_o::Relocation>(tables.externalRelocationOffset,
+                                         tables.externalRelocationCount, "external relocations")) {
       readExternal(relocation);
     }
     std::ranges::sort(places_);
@@ -305,10 +271,9 @@ class Reader {
 
   /// The address of the word that a relocation is about.
   uint32_t placeOf(const mach_o::Relocation& relocation, uint32_t kind) {
-    const uint32_t address = relocation.address + result_.segments.front().address;
-    if ((relocation.address & 0x80000000) != 0 ||
-        (relocation.target & ~mach_o::kTargetMask) != kind) {
-      refuse("has a relocation of an unknown kind: " + hex(relocation.address) + ", " +
+    const uint32_t address = relocation.address;
+    if ((address & 0x80000000) != 0 || (relocation.target & ~mach_o::kTargetMask) != kind) {
+      refuse("has a relocation of an unknown kind: " + hex(address) + ", " +
              hex(relocation.target));
     }
     const Segment* segment = segmentOfByte(address, 4);
@@ -328,7 +293,7 @@ class Reader {
     const Segment& segment = *segmentOfByte(place, 4);
     uint32_t word = 0;
     memcpy(&word, segment.bytes.data() + (place - segment.address), sizeof word);
-    if (word < result_.segments.front().address || word > result_.segments.back().end()) {
+    if (word > result_.segments.back().end()) {
       refuse("has a relocation of " + hex(word) + ", which is no address of its own, at " +
              hex(place));
     }
@@ -344,10 +309,9 @@ class Reader {
     result_.importFixUps.push_back({place, *importOfSymbol_[symbol]});
   }
 
-  std::span<const uint8_t> file_;
+  CheckedFile file_;
   mach_o::Header header_{};
   uint32_t sectionCount_ = 0, libraryCount_ = 0;
-  std::optional<size_t> uuidOffset_;
   std::optional<mach_o::SymbolTableCommand> symbolTable_;
   std::optional<mach_o::DynamicSymbolTableCommand> dynamicSymbolTable_;
   std::vector<std::optional<size_t>> importOfSymbol_;
@@ -369,14 +333,13 @@ bool isMachO(std::span<const uint8_t> file) {
 
 MachOFile readMachOFile(std::span<const uint8_t> file) { return Reader(file).read(); }
 
-void checkContents(std::span<const uint8_t> file) {
-  const auto offset = Reader(file).uuidOffset();
-  if (!offset) return;
-  std::vector<uint8_t> contents(file.begin(), file.end());
+void checkContents(const MachOFile& file, std::span<const uint8_t> bytes) {
+  if (!file.uuidOffset) return;
+  std::vector<uint8_t> contents(bytes.begin(), bytes.end());
   mach_o::Identifier uuid;
-  memcpy(uuid.data(), contents.data() + *offset, uuid.size());
+  memcpy(uuid.data(), contents.data() + *file.uuidOffset, uuid.size());
   if (!mach_o::isContentUuid(uuid)) return;
-  memset(contents.data() + *offset, 0, uuid.size());
+  memset(contents.data() + *file.uuidOffset, 0, uuid.size());
   if (mach_o::contentUuid(contents) != uuid) {
     refuse("is damaged: its contents do not fit its identifier; build or copy it again");
   }

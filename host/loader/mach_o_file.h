@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,10 +28,11 @@ struct MachOFile {
     size_t import;  ///< its number among the imports
   };
 
-  std::vector<Segment> segments;          ///< in ascending order, apart from each other
+  std::vector<Segment> segments;          ///< one after the other, from address 0 on
   std::vector<std::string> imports;       ///< C functions, without the underscore
   std::vector<uint32_t> localFixUps;      ///< words that hold an address of the image
   std::vector<ImportFixUp> importFixUps;  ///< words to which an import's address is added
+  std::optional<size_t> uuidOffset;       ///< of the identifier in the file, if there is one
   uint32_t entryPoint = 0;                ///< of REALPluginMain, in a segment with instructions
 };
 
@@ -39,8 +41,8 @@ struct MachOFile {
 /// says what is damaged or not known.
 MachOFile readMachOFile(std::span<const uint8_t> file);
 
-/// Throws std::runtime_error if the bundle says that its identifier was made
-/// from its contents, and they have changed since. The bundle was read without fault.
-void checkContents(std::span<const uint8_t> file);
+/// Throws std::runtime_error if the bundle, which was read from these bytes, says
+/// that its identifier was made from its contents, and they have changed since.
+void checkContents(const MachOFile& file, std::span<const uint8_t> bytes);
 
 }  // namespace host

@@ -45,10 +45,9 @@ std::vector<uint32_t> addressesOf(const std::vector<std::string>& names,
 
 }  // namespace
 
-MachOImage::MachOImage(const MachOFile& file, const Imports& imports, void* wanted)
-    : first_(file.segments.front().address) {
+MachOImage::MachOImage(const MachOFile& file, const Imports& imports, void* wanted) {
   const std::vector<uint32_t> addresses = addressesOf(file.imports, imports);
-  const size_t size = file.segments.back().end() - first_;
+  const size_t size = file.segments.back().end();
   void* memory = mmap(wanted, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) throw std::bad_alloc();
   memory_ = {static_cast<uint8_t*>(memory), size};
@@ -57,8 +56,7 @@ MachOImage::MachOImage(const MachOFile& file, const Imports& imports, void* want
       memcpy(at(segment.address), segment.bytes.data(), segment.bytes.size());
     }
   }
-  const uint32_t slide = addressOf(memory) - first_;
-  for (const uint32_t place : file.localFixUps) addTo(at(place), slide);
+  for (const uint32_t place : file.localFixUps) addTo(at(place), addressOf(memory));
   for (const auto& [place, import] : file.importFixUps) addTo(at(place), addresses[import]);
   protect(file);
   entryPoint_ = at(file.entryPoint);
@@ -67,7 +65,6 @@ MachOImage::MachOImage(const MachOFile& file, const Imports& imports, void* want
 MachOImage::~MachOImage() { munmap(memory_.data(), memory_.size()); }
 
 void MachOImage::protect(const MachOFile& file) {
-  mprotect(memory_.data(), memory_.size(), PROT_NONE);
   for (const auto& segment : file.segments) {
     if (mprotect(at(segment.address), segment.size, protectionOf(segment.protection)) != 0) {
       munmap(memory_.data(), memory_.size());

@@ -23,17 +23,15 @@ class MachOImage {
   MachOImage& operator=(const MachOImage&) = delete;
   ~MachOImage();
 
-  /// The bytes from the first segment's start to the last one's end. Those that
-  /// no segment lets read must not be touched.
+  /// All segments; what a segment does not let read must not be touched.
   [[nodiscard]] std::span<const uint8_t> bytes() const { return memory_; }
   [[nodiscard]] void* entryPoint() const { return entryPoint_; }
 
  private:
   void protect(const MachOFile& file);
-  /// Where a word of the file is in memory.
-  [[nodiscard]] uint8_t* at(uint32_t address) const { return memory_.data() + (address - first_); }
+  /// Where an address of the file is in memory.
+  [[nodiscard]] uint8_t* at(uint32_t address) const { return memory_.data() + address; }
 
-  uint32_t first_;  ///< the address that the image starts at in the file
   std::span<uint8_t> memory_;
   void* entryPoint_ = nullptr;
 };

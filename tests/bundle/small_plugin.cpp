@@ -6,6 +6,10 @@
 
 #include "platform/platform.h"
 
+// A pointer into an import, which no expression of the language gives.
+asm(".data\n.balign 4\n.hidden intoImport\nintoImport: .long free + 4\n.text");
+extern "C" __attribute__((visibility("hidden"))) char* intoImport;
+
 namespace {
 
 const char* const names[] = {"first", "second", "third"};
@@ -28,6 +32,7 @@ thread_local int counterOfThread;
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(
     void* (*resolver)(const char* name)) {
   for (cursor = names; counter < 3; ++counter, ++cursor) resolver(*cursor);
+  if (intoImport == nullptr) return;
   Handle handle = nullptr;
   PtrToHand(names, &handle, sizeof names);
   free(malloc(static_cast<size_t>(GetHandleSize(handle))));

@@ -4,26 +4,23 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <map>
-#include <stdexcept>
 #include <string>
 
+#include "platform/mach_o/checked_file.h"
 #include "tools/machobundle/imports.h"
 
 namespace machobundle {
 namespace {
 
 constexpr std::string_view kEntryName = "REALPluginMain";
-constexpr uint32_t kHighestAddress = 256U << 20;
-
-[[noreturn]] void refuse(const std::string& reason) { throw std::runtime_error(reason); }
-
-std::string hex(uint32_t value) {
-  std::array<char, 16> text{};
-  snprintf(text.data(), text.size(), "0x%X", value);
-  return text.data();
-}
+using mach_o::CheckedFile;
+using mach_o::hex;
+using mach_o::kLargestImage;
+using mach_o::printable;
+using mach_o::refuse;
 
 enum class Use { Code, Constants, Data, ZeroFill, OffsetTable, LinkerTable };
 
@@ -71,10 +68,7 @@ class Reader {
     readSections();
     readDynamicEntries();
     readSymbols();
-    for (const Elf32_Shdr& section : sections_) {
-      if (section.sh_type == SHT_REL && (section.sh_flags & SHF_ALLOC) != 0) readFixUps(section);
-    }
-    if (sizeOfFixUps_ != sizeOfKnownFixUps_) refuse("has relocations in no section");
+    readRelocations();
     std::ranges::sort(image_.fixUps, {}, &FixUp::address);
     for (size_t i = 1; i < image_.fixUps.size(); ++i) {
       if (image_.fixUps[i].address - image_.fixUps[i - 1].address < 4) {
@@ -85,23 +79,13 @@ class Reader {
   }
 
  private:
-  std::span<const uint8_t> bytes(uint32_t offset, uint32_t size) const {
-    if (offset > file_.size() || size > file_.size() - offset) refuse("is truncated");
-    return file_.subspan(offset, size);
-  }
-
   template <typename Record>
-  std::vector<Record> table(uint32_t offset, uint32_t size) const {
-    const auto from = bytes(offset, size);
-    std::vector<Record> records(size / sizeof(Record));
-    if (!records.empty()) {
-      memcpy(records.data(), from.data(), records.size() * sizeof(Record));
-    }
-    return records;
+  std::vector<Record> tableOf(const Elf32_Shdr& section) const {
+    return file_.table<Record>(section.sh_offset, section.sh_size / sizeof(Record), "tables");
   }
 
   std::string_view text(const Elf32_Shdr& strings, uint32_t offset) const {
-    const auto all = bytes(strings.sh_offset, strings.sh_size);
+    const auto all = file_.bytes(strings.sh_offset, strings.sh_size, "names");
     const auto* begin = reinterpret_cast<const char*>(all.data());
     const size_t size = offset < all.size() ? strnlen(begin + offset, all.size() - offset) : 0;
     if (offset + size >= all.size()) refuse("has a name outside its table");
@@ -124,22 +108,24 @@ class Reader {
   }
 
   void readHeader() {
-    header_ = table<Elf32_Ehdr>(0, sizeof(Elf32_Ehdr)).front();
+    header_ = file_.record<Elf32_Ehdr>(0, "header");
     if (memcmp(header_.e_ident, ELFMAG, SELFMAG) != 0 || header_.e_ident[EI_CLASS] != ELFCLASS32 ||
         header_.e_ident[EI_DATA] != ELFDATA2LSB || header_.e_machine != EM_386 ||
         header_.e_type != ET_DYN || header_.e_phentsize != sizeof(Elf32_Phdr) ||
         header_.e_shentsize != sizeof(Elf32_Shdr)) {
       refuse("is no shared ELF image for i386");
     }
-    sections_ = table<Elf32_Shdr>(header_.e_shoff, header_.e_shnum * sizeof(Elf32_Shdr));
+    sections_ = file_.table<Elf32_Shdr>(header_.e_shoff, header_.e_shnum, "section headers");
   }
 
   void readSegments() {
-    segments_ = table<Elf32_Phdr>(header_.e_phoff, header_.e_phnum * sizeof(Elf32_Phdr));
+    int32_t loaded = 0;
+    segments_ = file_.table<Elf32_Phdr>(header_.e_phoff, header_.e_phnum, "program headers");
     for (const Elf32_Phdr& segment : segments_) {
       const bool isRunnable = (segment.p_flags & PF_X) != 0;
       switch (segment.p_type) {
         case PT_LOAD:
+          if (++loaded > 2) refuse("has more segments than one of code and one of data");
           if (isRunnable && (segment.p_flags & PF_W) != 0) refuse("has code that can be changed");
           break;
         case PT_GNU_STACK:
@@ -176,13 +162,13 @@ class Reader {
   void readSections() {
     for (const Elf32_Shdr& section : sections_) {
       if ((section.sh_flags & SHF_ALLOC) == 0 || section.sh_size == 0) continue;
-      const std::string name(nameOf(section));
+      const std::string_view name = nameOf(section);
       if (const auto reason = kReasons.find(name); reason != kReasons.end()) {
-        refuse(std::string(reason->second) + " (" + name + ")");
+        refuse(std::string(reason->second) + " (" + printable(name) + ")");
       }
       const auto known = kSections.find(name);
-      if (known == kSections.end()) refuse("has an unknown section " + name);
-      if (!isLoaded(section)) refuse("has a section that no segment loads: " + name);
+      if (known == kSections.end()) refuse("has an unknown section " + printable(name));
+      if (!isLoaded(section)) refuse("has a section that no segment loads: " + printable(name));
       addSection(section, known->second);
     }
     if (image_.code.isEmpty()) refuse("has no code");
@@ -199,18 +185,22 @@ class Reader {
     if (use == Use::LinkerTable) return;
     const bool hasBytes = section.sh_type == SHT_PROGBITS;
     if (hasBytes == (use == Use::ZeroFill) || (!hasBytes && section.sh_type != SHT_NOBITS)) {
-      refuse("has a section of another type than usual: " + std::string(nameOf(section)));
+      refuse("has a section of another type than usual: " + printable(nameOf(section)));
     }
-    if (section.sh_size > kHighestAddress || section.sh_addr > kHighestAddress - section.sh_size) {
-      refuse("is linked for an address above " + hex(kHighestAddress));
+    if (section.sh_size > kLargestImage || section.sh_addr > kLargestImage - section.sh_size) {
+      refuse("is linked for an address above " + hex(kLargestImage));
+    }
+    const uint32_t alignment = std::max<uint32_t>(section.sh_addralign, 1);
+    if (!std::has_single_bit(alignment) || alignment > mach_o::kPageSize) {
+      refuse("has a section of an unknown alignment: " + printable(nameOf(section)));
     }
     Area& area = areaFor(use);
     if (area.isEmpty()) area.begin = area.end = section.sh_addr;
     if (section.sh_addr < area.end) refuse("has sections out of order");
     area.end = section.sh_addr + section.sh_size;
-    area.alignment = std::max(area.alignment, section.sh_addralign);
+    area.alignment = std::max(area.alignment, alignment);
     if (!hasBytes) return;
-    Piece piece{section.sh_addr, bytes(section.sh_offset, section.sh_size)};
+    Piece piece{section.sh_addr, file_.bytes(section.sh_offset, section.sh_size, "sections")};
     if (use == Use::OffsetTable) {
       // Three words are the ELF loader's own.
       const uint32_t reserved = std::min<uint32_t>(12, section.sh_size);
@@ -235,14 +225,18 @@ class Reader {
   void readDynamicEntries() {
     const Elf32_Shdr& dynamic = only(SHT_DYNAMIC, "dynamic section");
     const Elf32_Shdr& strings = section(dynamic.sh_link);
-    for (const auto& [tag, value] : table<Elf32_Dyn>(dynamic.sh_offset, dynamic.sh_size)) {
+    for (const auto& [tag, value] : tableOf<Elf32_Dyn>(dynamic)) {
       const uint32_t number = value.d_val;
       switch (tag) {
         case DT_NULL:
           return;
+        case DT_REL:
+        case DT_JMPREL:
+          relocationAddresses_.push_back(number);
+          break;
         case DT_RELSZ:
         case DT_PLTRELSZ:
-          sizeOfFixUps_ += number;
+          relocationSizes_.push_back(number);
           break;
         case DT_FLAGS:
           if ((number & ~uint32_t{DF_SYMBOLIC | DF_BIND_NOW}) != 0) {
@@ -258,15 +252,13 @@ class Reader {
         case DT_SYMTAB:
         case DT_STRSZ:
         case DT_SYMENT:
-        case DT_REL:
         case DT_RELENT:
         case DT_RELCOUNT:
         case DT_PLTGOT:
         case DT_PLTREL:
-        case DT_JMPREL:
           break;
         case DT_NEEDED:
-          refuse("needs a library: " + std::string(text(strings, number)));
+          refuse("needs a library: " + printable(text(strings, number)));
         case DT_INIT:
         case DT_INIT_ARRAY:
           refuse("runs code when it is loaded (DT_INIT)");
@@ -284,34 +276,45 @@ class Reader {
   void readSymbols() {
     const Elf32_Shdr& dynamicSymbols = only(SHT_DYNSYM, "table of dynamic symbols");
     const Elf32_Shdr& strings = section(dynamicSymbols.sh_link);
-    symbols_ = table<Elf32_Sym>(dynamicSymbols.sh_offset, dynamicSymbols.sh_size);
+    symbols_ = tableOf<Elf32_Sym>(dynamicSymbols);
     for (size_t i = 1; i < symbols_.size(); ++i) {
       const Elf32_Sym& symbol = symbols_[i];
       const std::string_view name = text(strings, symbol.st_name);
       names_.push_back(name);
       if (ELF32_ST_BIND(symbol.st_info) != STB_GLOBAL) {
-        refuse("has a symbol that is not global: " + std::string(name));
+        refuse("has a symbol that is not global: " + printable(name));
       }
       if (symbol.st_shndx == SHN_UNDEF) {
         if (!libraryOf(name)) {
-          refuse("imports " + std::string(name) + ", which is on no list of imports");
+          refuse("imports " + printable(name) + ", which is on no list of imports");
         }
         image_.imports.push_back(name);
       } else if (name == kEntryName && ELF32_ST_TYPE(symbol.st_info) == STT_FUNC &&
                  image_.code.contains(symbol.st_value)) {
         image_.entryPoint = symbol.st_value;
       } else {
-        refuse("exports " + std::string(name));
+        refuse("exports " + printable(name));
       }
     }
     if (image_.entryPoint == 0) refuse("does not export " + std::string(kEntryName));
     std::ranges::sort(image_.imports);
   }
 
-  void readFixUps(const Elf32_Shdr& relocations) {
-    sizeOfKnownFixUps_ += relocations.sh_size;
-    for (const Elf32_Rel& each : table<Elf32_Rel>(relocations.sh_offset, relocations.sh_size)) {
-      image_.fixUps.push_back(fixUp(each));
+  /// The sections with relocations are those that the dynamic entries name.
+  void readRelocations() {
+    std::vector<uint32_t> addresses, sizes;
+    for (const Elf32_Shdr& section : sections_) {
+      if (section.sh_type != SHT_REL || (section.sh_flags & SHF_ALLOC) == 0) continue;
+      addresses.push_back(section.sh_addr);
+      sizes.push_back(section.sh_size);
+    }
+    if (!std::ranges::is_permutation(addresses, relocationAddresses_) ||
+        !std::ranges::is_permutation(sizes, relocationSizes_) || addresses.size() > 2) {
+      refuse("has relocations elsewhere than in its sections");
+    }
+    for (const Elf32_Shdr& section : sections_) {
+      if (section.sh_type != SHT_REL || (section.sh_flags & SHF_ALLOC) == 0) continue;
+      for (const auto& each : tableOf<Elf32_Rel>(section)) image_.fixUps.push_back(fixUp(each));
     }
   }
 
@@ -363,13 +366,13 @@ class Reader {
         [address](const Area& area) { return area.contains(address, 0) && !area.isEmpty(); });
   }
 
-  std::span<const uint8_t> file_;
+  CheckedFile file_;
   Elf32_Ehdr header_{};
   std::vector<Elf32_Shdr> sections_;
   std::vector<Elf32_Phdr> segments_;
   std::vector<Elf32_Sym> symbols_;
-  std::vector<std::string_view> names_;  ///< of the symbols from 1 on
-  uint32_t sizeOfFixUps_ = 0, sizeOfKnownFixUps_ = 0;
+  std::vector<std::string_view> names_;                          ///< of the symbols from 1 on
+  std::vector<uint32_t> relocationAddresses_, relocationSizes_;  ///< by the dynamic entries
   ElfImage image_;
 };
 

@@ -82,11 +82,15 @@ TEST_P(SepiaTest, HostileWeightsAndOffsets) {
     setOffsets({offset(), offset(), offset()});
     expectRun(source);
   }
-  // Sums that all but cancel out for greys, and sums at the edge of 32 bits.
+  // Sums that all but cancel out for greys, and sums at the edges of single
+  // precision and of 32 bits.
   const Weights edges[] = {{1e6, -1e6, 0.25},
                            {2097151.5, -2097151.5, 0.5},
                            {3e6, -2097151.9990234375, 0.25},
                            {-3e6, 2097152, 0.75},
+                           {64.2509765625, 0, 0},
+                           {-64.251953125, 0, 0},
+                           {3906.2509765625, -3906.0009765625, 0.1},
                            {8224.125, 0, 0},
                            {0, -8224.125, 0},
                            {8224.126953125, 0, 0},
@@ -94,7 +98,8 @@ TEST_P(SepiaTest, HostileWeightsAndOffsets) {
                            {2741.375, 2741.375, 2741.5}};
   for (const Weights& values : edges) {
     setWeights(values);
-    for (const Offsets& ends : {Offsets{-60, 5, 1}, {INT_MIN, INT_MAX, -2097153}}) {
+    for (const Offsets& ends :
+         {Offsets{-60, 5, 1}, {-16200, 16300, -16384}, {INT_MIN, INT_MAX, -2097153}}) {
       setOffsets(ends);
       expectRun(source);
     }

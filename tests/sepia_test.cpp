@@ -96,12 +96,16 @@ TEST_P(SepiaTest, HostileWeightsAndOffsets) {
                            {8224.126953125, 0, 0},
                            {-4112, -4112.25, 0},
                            {2741.375, 2741.375, 2741.5}};
+  const auto greys = drawnPicture(256, 8, [](int32_t x, int32_t y) {
+    return static_cast<uint32_t>(x) * 0x010101 ^ static_cast<uint32_t>(y);
+  });
   for (const Weights& values : edges) {
     setWeights(values);
     for (const Offsets& ends :
          {Offsets{-60, 5, 1}, {-16200, 16300, -16384}, {INT_MIN, INT_MAX, -2097153}}) {
       setOffsets(ends);
       expectRun(source);
+      expectRun(greys);
     }
   }
 }

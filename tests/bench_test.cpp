@@ -122,7 +122,7 @@ TEST_F(BenchTest, EveryMemberIsMeasuredAndDoesItsWork) {
   const Outcome unknown = qrz("bench --plugin " QRZ_BUILD_FOLDER "/libprobe_plugin.so");
   EXPECT_EQ(unknown.status, 1);
   EXPECT_THAT(unknown.output,
-              HasSubstr("\nProbeText: is not measured; the benchmark has no call for it\n"));
+              HasSubstr("\nProbeSum: is not measured; the benchmark has no call for it\n"));
 }
 
 TEST_F(BenchTest, MistakesAreNamed) {

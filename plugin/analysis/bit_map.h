@@ -17,7 +17,15 @@ class BitMap {
   /// False if there was no memory.
   explicit operator bool() const { return static_cast<bool>(words_); }
 
-  void set(int32_t x, int32_t y) { row(y)[x >> 5] |= bit(x); }
+  /// Sets up to 32 pixels from column x on: those of the set bits, the lowest
+  /// being the first.
+  void set(int32_t x, int32_t y, uint32_t bits) {
+    uint32_t* words = row(y) + (x >> 5);
+    const int32_t shift = x & 31;
+    words[0] |= bits << shift;
+    const uint32_t rest = shift == 0 ? 0 : bits >> (32 - shift);
+    if (rest != 0) words[1] |= rest;
+  }
 
   /// Whether any pixel from column x0 to x1, both included, is set.
   [[nodiscard]] bool any(int32_t y, int32_t x0, int32_t x1) const {
@@ -63,12 +71,25 @@ class BitMap {
 
  private:
   [[nodiscard]] uint32_t* row(int32_t y) const { return words_.data() + rowWords_ * y; }
-  static uint32_t bit(int32_t x) { return 1U << (x & 31); }
   static uint32_t from(int32_t x) { return ~0U << (x & 31); }
   static uint32_t upTo(int32_t x) { return ~0U >> (31 - (x & 31)); }
 
   int64_t rowWords_;
   Buffer<uint32_t> words_;
 };
+
+/// Exchanges rows and columns of 32 words of 32 bits: bit x of word y becomes bit
+/// y of word x. The halves change places first, then the halves of these, and so
+/// on (after H. S. Warren, "Hacker's Delight", 2002).
+inline void transpose(uint32_t words[32]) {
+  uint32_t low = 0x0000FFFF;  // the columns of the left half
+  for (int32_t half = 16; half > 0; half >>= 1, low ^= low << half) {
+    for (int32_t y = 0; y < 32; y = (y + half + 1) & ~half) {
+      const uint32_t exchanged = ((words[y] >> half) ^ words[y + half]) & low;
+      words[y] ^= exchanged << half;
+      words[y + half] ^= exchanged;
+    }
+  }
+}
 
 }  // namespace qrz

@@ -1,8 +1,25 @@
 // ExtractColorRectangleMaskQRZ: the coloured areas of a picture as black
 // rectangles on white.
 
+#include <algorithm>
+
 #include "plugin/analysis/bit_map.h"
 #include "plugin/pixels/filter.h"
+
+namespace qrz {
+namespace {
+
+constexpr int32_t kTileSide = 32;
+
+/// Every bit of a word by itself.
+constexpr uint32_t kBits[kTileSide] = {
+    1U << 0,  1U << 1,  1U << 2,  1U << 3,  1U << 4,  1U << 5,  1U << 6,  1U << 7,
+    1U << 8,  1U << 9,  1U << 10, 1U << 11, 1U << 12, 1U << 13, 1U << 14, 1U << 15,
+    1U << 16, 1U << 17, 1U << 18, 1U << 19, 1U << 20, 1U << 21, 1U << 22, 1U << 23,
+    1U << 24, 1U << 25, 1U << 26, 1U << 27, 1U << 28, 1U << 29, 1U << 30, 1U << 31};
+
+}  // namespace
+}  // namespace qrz
 
 #define QRZ_KERNEL "plugin/kernels/colored_areas.inc"
 #include "plugin/kernels/for_each_level.h"
@@ -66,12 +83,10 @@ class ColoredAreas {
 
   template <typename Path>
   void mark(const PictureReader<Path>& reader, const Area& area) {
-    for (int32_t y = area.y0; y < area.y1; ++y) {
-      for (int32_t x = area.x0; x < area.x1; x += 32) {
-        const int32_t count = area.x1 - x < 32 ? area.x1 - x : 32;
-        uint32_t bits =
-            QRZ_KERNEL_CALL(coloredBits<typename Path::Format>(reader.row(y) + x, count));
-        for (; bits != 0; bits &= bits - 1) markPixel(x + 1 + __builtin_ctz(bits), y + 1);
+    for (int32_t y = area.y0; y < area.y1; y += kTileSide) {
+      for (int32_t x = area.x0; x < area.x1; x += kTileSide) {
+        markTile(reader,
+                 {x, y, std::min(x + kTileSide, area.x1), std::min(y + kTileSide, area.y1)});
       }
     }
   }
@@ -98,9 +113,20 @@ class ColoredAreas {
   }
 
  private:
-  void markPixel(int32_t x, int32_t y) {
-    colored_.set(x, y);
-    coloredByColumn_.set(y, x);
+  /// Marks the coloured pixels of at most 32 × 32, in both maps.
+  template <typename Path>
+  void markTile(const PictureReader<Path>& reader, const Area& tile) {
+    uint32_t words[kTileSide] = {};
+    for (int32_t y = tile.y0; y < tile.y1; ++y) {
+      const uint32_t bits = QRZ_KERNEL_CALL(
+          coloredBits<typename Path::Format>(reader.row(y) + tile.x0, tile.x1 - tile.x0));
+      colored_.set(tile.x0 + 1, y + 1, bits);
+      words[y - tile.y0] = bits;
+    }
+    transpose(words);
+    for (int32_t x = tile.x0; x < tile.x1; ++x) {
+      coloredByColumn_.set(tile.y0 + 1, x + 1, words[x - tile.x0]);
+    }
   }
 
   /// The box that grows from one pixel: each side moves by one pixel as long as

@@ -1,6 +1,9 @@
 #include "host/bench/bench.h"
 
+#include <malloc.h>
+
 #include <algorithm>
+#include <climits>
 
 #include "host/bench/level_probe.h"
 #include "host/bench/members.h"
@@ -45,7 +48,12 @@ std::vector<BenchStep> benchSteps(const std::vector<PictureSize>& sizes,
   return steps;
 }
 
-Benchmark::Benchmark() : level_(observedLevel()) {}
+Benchmark::Benchmark() : level_(observedLevel()) {
+  // What is freed stays with the process, whatever its size: first touching fresh
+  // pages would cost more than most members.
+  mallopt(M_MMAP_MAX, 0);
+  mallopt(M_TRIM_THRESHOLD, INT_MAX);
+}
 
 const Subject& Benchmark::subjectFor(Content content, PictureSize size) {
   std::erase_if(subjects_, [&](const Subject& kept) { return kept.size != size; });

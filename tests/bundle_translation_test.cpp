@@ -167,7 +167,7 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
 
 TEST(BundleTranslation, AddressOfTheImagesOwnSymbol) {
   Bytes image = smallImage();
-  const Elf32_Sym entry = recordAt<Elf32_Sym>(image, entrySymbolAt(image));
+  const auto entry = recordAt<Elf32_Sym>(image, entrySymbolAt(image));
   uint32_t place = 0;
   changeRelocation(image, [&](Elf32_Rel& each) {
     place = each.r_offset;

@@ -302,7 +302,8 @@ class Reader {
 
   /// The sections with relocations are those that the dynamic entries name.
   void readRelocations() {
-    std::vector<uint32_t> addresses, sizes;
+    std::vector<uint32_t> addresses;
+    std::vector<uint32_t> sizes;
     for (const Elf32_Shdr& section : sections_) {
       if (section.sh_type != SHT_REL || (section.sh_flags & SHF_ALLOC) == 0) continue;
       addresses.push_back(section.sh_addr);

@@ -1,8 +1,6 @@
 // BinaryStringtoPictureQRZ: a picture from a string that
 // PicturetoBinaryStringQRZ made.
 
-#include <cstring>
-
 #include "plugin/binding/strings.h"
 #include "plugin/exchange/binary_string.h"
 #include "plugin/pixels/filter.h"

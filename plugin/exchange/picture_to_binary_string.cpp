@@ -1,7 +1,5 @@
 // PicturetoBinaryStringQRZ: a picture's size and colours as a string of bytes.
 
-#include <cstring>
-
 #include "plugin/binding/strings.h"
 #include "plugin/exchange/binary_string.h"
 #include "plugin/pixels/buffer.h"

@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   try {
     load({bytes, size});
   } catch (const std::runtime_error&) {
-    return 0;  // refused
+    // Refused.
   }
   return 0;
 }

@@ -144,7 +144,7 @@ class Reader {
         section.size > segment.size - from) {
       refuse("has a section outside its segment: " + name);
     }
-    if ((section.flags & mach_o::kSectionTypeMask) == 9) {
+    if ((section.flags & mach_o::kSectionTypeMask) == mach_o::kConstructors) {
       refuse("has constructors, which run when it is loaded (" + name + ")");
     }
     const bool isZeroFill = section.flags == mach_o::kZeroFill;
@@ -224,8 +224,9 @@ class Reader {
         (library != mach_o::kFlatLookup && (library == 0 || library > libraryCount_))) {
       refuse("wants " + name + " in an unknown way: " + hex(symbol.description));
     }
-    if (!name.starts_with('_') || name.size() == 1)
+    if (!name.starts_with('_') || name.size() == 1) {
       refuse("imports " + name + ", which is no C function");
+    }
     return name.substr(1);
   }
 
@@ -323,8 +324,8 @@ class Reader {
 
 bool isMachO(std::span<const uint8_t> file) {
   // The file's own byte order, the other one, and the 64-bit and universal ones.
-  constexpr std::array<uint32_t, 6> kMagics{0xFEEDFACE, 0xCEFAEDFE, 0xFEEDFACF,
-                                            0xCFFAEDFE, 0xCAFEBABE, 0xBEBAFECA};
+  constexpr std::array<uint32_t, 6> kMagics{mach_o::kMagic, 0xCEFAEDFE, 0xFEEDFACF,
+                                            0xCFFAEDFE,     0xCAFEBABE, 0xBEBAFECA};
   uint32_t magic = 0;
   if (file.size() < sizeof magic) return false;
   memcpy(&magic, file.data(), sizeof magic);

@@ -45,29 +45,30 @@ std::vector<uint32_t> addressesOf(const std::vector<std::string>& names,
 
 }  // namespace
 
-MachOImage::MachOImage(const MachOFile& file, const Imports& imports, void* wanted) {
-  const std::vector<uint32_t> addresses = addressesOf(file.imports, imports);
-  const size_t size = file.segments.back().end();
+Pages::Pages(size_t size, void* wanted) {
   void* memory = mmap(wanted, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) throw std::bad_alloc();
-  memory_ = {static_cast<uint8_t*>(memory), size};
+  bytes_ = {static_cast<uint8_t*>(memory), size};
+}
+
+Pages::~Pages() { munmap(bytes_.data(), bytes_.size()); }
+
+MachOImage::MachOImage(const MachOFile& file, const Imports& imports, void* wanted)
+    : pages_(file.segments.back().end(), wanted), entryPoint_(at(file.entryPoint)) {
+  const std::vector<uint32_t> addresses = addressesOf(file.imports, imports);
   for (const auto& segment : file.segments) {
     if (!segment.bytes.empty()) {
       memcpy(at(segment.address), segment.bytes.data(), segment.bytes.size());
     }
   }
-  for (const uint32_t place : file.localFixUps) addTo(at(place), addressOf(memory));
+  for (const uint32_t place : file.localFixUps) addTo(at(place), addressOf(at(0)));
   for (const auto& [place, import] : file.importFixUps) addTo(at(place), addresses[import]);
   protect(file);
-  entryPoint_ = at(file.entryPoint);
 }
-
-MachOImage::~MachOImage() { munmap(memory_.data(), memory_.size()); }
 
 void MachOImage::protect(const MachOFile& file) {
   for (const auto& segment : file.segments) {
     if (mprotect(at(segment.address), segment.size, protectionOf(segment.protection)) != 0) {
-      munmap(memory_.data(), memory_.size());
       throw std::runtime_error("cannot be given the protections that it asks for");
     }
   }

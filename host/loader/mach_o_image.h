@@ -9,7 +9,22 @@
 
 namespace host {
 
-/// The memory of a loaded bundle; it goes with this object.
+/// Fresh pages, at `wanted` if they are free there; they go with this object.
+/// Throws std::bad_alloc without memory.
+class Pages {
+ public:
+  Pages(size_t size, void* wanted);
+  Pages(const Pages&) = delete;
+  Pages& operator=(const Pages&) = delete;
+  ~Pages();
+
+  [[nodiscard]] std::span<uint8_t> bytes() const { return bytes_; }
+
+ private:
+  std::span<uint8_t> bytes_;
+};
+
+/// A loaded bundle; its memory goes with this object.
 class MachOImage {
  public:
   /// The address of a C function, or null.
@@ -19,21 +34,18 @@ class MachOImage {
   /// all relocations and sets the protections; no code runs. Throws
   /// std::runtime_error if an import is missing, std::bad_alloc without memory.
   MachOImage(const MachOFile& file, const Imports& imports, void* wanted = nullptr);
-  MachOImage(const MachOImage&) = delete;
-  MachOImage& operator=(const MachOImage&) = delete;
-  ~MachOImage();
 
   /// All segments; what a segment does not let read must not be touched.
-  [[nodiscard]] std::span<const uint8_t> bytes() const { return memory_; }
+  [[nodiscard]] std::span<const uint8_t> bytes() const { return pages_.bytes(); }
   [[nodiscard]] void* entryPoint() const { return entryPoint_; }
 
  private:
   void protect(const MachOFile& file);
   /// Where an address of the file is in memory.
-  [[nodiscard]] uint8_t* at(uint32_t address) const { return memory_.data() + address; }
+  [[nodiscard]] uint8_t* at(uint32_t address) const { return pages_.bytes().data() + address; }
 
-  std::span<uint8_t> memory_;
-  void* entryPoint_ = nullptr;
+  Pages pages_;
+  void* entryPoint_;
 };
 
 /// What the process itself has: the platform's calls and the C library.

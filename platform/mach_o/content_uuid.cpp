@@ -4,7 +4,6 @@
 #include <xxhash.h>
 
 #include <algorithm>
-#include <iterator>
 
 namespace mach_o {
 

@@ -62,6 +62,7 @@ struct SegmentCommand {
 inline constexpr uint32_t kSectionTypeMask = 0xFF;
 inline constexpr uint32_t kRegular = 0;
 inline constexpr uint32_t kZeroFill = 1;
+inline constexpr uint32_t kConstructors = 9;
 /// Holds instructions, and nothing else.
 inline constexpr uint32_t kInstructions = 0x80000400;
 

@@ -20,25 +20,25 @@ namespace fs = std::filesystem;
 
 using EntryPoint = void (*)(void* (*resolver)(const char*));
 
-/// The text of a bundle's property list for a key that holds a string; empty
+/// The name that a bundle's property list has for the file with its code; empty
 /// without one.
-std::string property(const fs::path& bundle, const std::string& key) {
+std::string listedName(const fs::path& bundle) {
   const fs::path file = bundle / "Contents/Info.plist";
   std::error_code error;
   if (!fs::is_regular_file(file, error)) return {};
   const auto bytes = readFile(file.string());
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   constexpr std::string_view kOpen = "<string>";
-  const size_t open = text.find(kOpen, text.find("<key>" + key + "</key>"));
+  const size_t open = text.find(kOpen, text.find("<key>CFBundleExecutable</key>"));
   if (open == std::string_view::npos) return {};
-  const std::string_view value = text.substr(open + kOpen.size());
-  return std::string(value.substr(0, value.find('<')));
+  const std::string_view name = text.substr(open + kOpen.size());
+  return std::string(name.substr(0, name.find('<')));
 }
 
 /// The file with a bundle's code: the property list names it, or it bears the
 /// folder's name.
 fs::path executableOf(const fs::path& bundle) {
-  std::string name = property(bundle, "CFBundleExecutable");
+  std::string name = listedName(bundle);
   if (name.empty()) name = bundle.stem().string();
   return bundle / "Contents/MacOS" / fs::path(name).filename();
 }

@@ -9,6 +9,7 @@ struct AbsoluteBrightness {
   double offset;
 
   uint32_t operator()(double value) const { return clampedByte(value + offset); }
+  [[nodiscard]] StraightTone line() const { return {1, offset}; }
 };
 
 }  // namespace

@@ -30,6 +30,7 @@ struct LinearBrightness {
   double factor, offset;
 
   uint32_t operator()(double value) const { return lowByteOfTruncated(value * factor + offset); }
+  [[nodiscard]] StraightTone line() const { return {factor, offset}; }
 };
 
 LinearBrightness fade(double x) {

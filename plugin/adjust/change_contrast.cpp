@@ -9,6 +9,7 @@ struct Contrast {
   double slope;
 
   uint32_t operator()(double value) const { return clampedByte((value - 127) * slope + 127); }
+  [[nodiscard]] StraightTone line() const { return {slope, 127 - 127 * slope}; }
 };
 
 Contrast contrast(double x) { return {1 + x}; }

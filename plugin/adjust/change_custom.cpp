@@ -9,6 +9,7 @@ struct StraightLine {
   double slope, offset;
 
   uint32_t operator()(double value) const { return clampedByte(value * slope + offset); }
+  [[nodiscard]] StraightTone line() const { return {slope, offset}; }
 };
 
 }  // namespace

@@ -2,17 +2,14 @@
 
 #include <algorithm>
 
-#include "plugin/pixels/convert.h"
+#include "plugin/kernels/saturation.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/saturation.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {
 
 struct SaturationRow {
-  float factor;  ///< a whole number of 255ths
+  SaturationFactor factor;
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
@@ -32,7 +29,7 @@ HostPicture ChangeSaturationQRZ(HostPicture picture, int32_t Amount) {
   // factors give the same bytes.
   constexpr int64_t kEnough = 256 * 255;
   const int64_t factor = std::clamp(int64_t{Amount} + 255, -kEnough, kEnough);
-  return filterPicture(picture, wholePicture, SaturationRow{static_cast<float>(factor)});
+  return filterPicture(picture, wholePicture, SaturationRow{SaturationFactor(static_cast<int32_t>(factor))});
 }
 
 }  // namespace qrz

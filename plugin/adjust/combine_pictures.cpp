@@ -1,9 +1,7 @@
 // CombinePicturesQRZ: a picture made of one channel each of three pictures.
 
+#include "plugin/kernels/channels.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/channels.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

@@ -1,9 +1,7 @@
 // ExtractColorQRZ: where one exact colour occurs, in two colours.
 
+#include "plugin/kernels/replace_color.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/replace_color.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

@@ -1,9 +1,7 @@
 // InvertQRZ: every pixel's colour inverted.
 
+#include "plugin/kernels/invert.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/invert.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

@@ -1,9 +1,7 @@
 // InvertGrayQRZ: the grey pixels inverted, the others copied.
 
+#include "plugin/kernels/invert_gray.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/invert_gray.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

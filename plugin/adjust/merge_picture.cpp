@@ -1,9 +1,7 @@
 // MergePictureQRZ: the lighter of two pictures, channel by channel.
 
+#include "plugin/kernels/channels.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/channels.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

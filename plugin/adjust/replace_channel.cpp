@@ -2,10 +2,8 @@
 // picture with one channel taken from another.
 
 #include "plugin/binding/exceptions.h"
+#include "plugin/kernels/channels.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/channels.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

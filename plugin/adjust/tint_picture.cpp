@@ -1,29 +1,15 @@
 // TintPictureQRZ: a weighted grey level in the shades of one colour.
 
-#include "plugin/pixels/convert.h"
+#include "plugin/kernels/tint.h"
 #include "plugin/pixels/filter.h"
 
 namespace qrz {
 namespace {
 
-/// A colour's channels as fractions, 0 to 1.
-struct TintFactors {
-  double red, green, blue;
-};
-
 TintFactors fractionsOf(HostColor color) {
   return {RowTableFormat::red(color) / 255.0, RowTableFormat::green(color) / 255.0,
           RowTableFormat::blue(color) / 255.0};
 }
-
-}  // namespace
-}  // namespace qrz
-
-#define QRZ_KERNEL "plugin/kernels/tint.inc"
-#include "plugin/kernels/for_each_level.h"
-
-namespace qrz {
-namespace {
 
 struct TintRow {
   TintFactors weights, tints;

@@ -2,24 +2,104 @@
 // each channel.
 #pragma once
 
+#include <algorithm>
+#include <cstring>
+
 #include "plugin/adjust/map_channels.h"
+#include "plugin/kernels/tone_line.h"
 #include "plugin/pixels/convert.h"
 
 namespace qrz {
 
+/// slope × value + offset, what a map is about where it does not cut or wrap.
+struct StraightTone {
+  double slope, offset;
+};
+
+/// What three maps give for every value of a channel.
+class ToneTables {
+ public:
+  template <typename Map>
+  ToneTables(const Map& red, const Map& green, const Map& blue) {
+    fill(tables_[0], red);
+    green_ = areEqual(green, red) ? tables_[0] : fill(tables_[1], green);
+    blue_ = areEqual(blue, red) ? tables_[0] : fill(tables_[2], blue);
+  }
+  ToneTables(const ToneTables&) = delete;
+  ToneTables& operator=(const ToneTables&) = delete;
+
+  [[nodiscard]] ChannelTables tables() const { return {tables_[0], green_, blue_}; }
+
+  /// Whether the lines give the same for every value.
+  [[nodiscard]] bool areOn(const ToneLines& lines) const {
+    using Format = RowTableFormat;
+    PixelWord greys[256];
+    PixelWord expected[256];
+    PixelWord mapped[256];
+    for (uint32_t i = 0; i < 256; ++i) {
+      greys[i] = Format::pack(i, i, i);
+      expected[i] = Format::pack(tables_[0][i], green_[i], blue_[i]);
+    }
+    QRZ_KERNEL_CALL(toneLineRow<Format>(mapped, 256, greys, lines));
+    return memcmp(mapped, expected, sizeof mapped) == 0;
+  }
+
+ private:
+  /// Maps of the same numbers, to the bit.
+  template <typename Map>
+  static bool areEqual(const Map& a, const Map& b) {
+    return memcmp(&a, &b, sizeof a) == 0;
+  }
+  template <typename Map>
+  static const uint8_t* fill(uint8_t (&table)[256], const Map& map) {
+    for (int32_t value = 0; value < 256; ++value) {
+      table[value] = static_cast<uint8_t>(map(static_cast<double>(value)));
+    }
+    return table;
+  }
+
+  uint8_t tables_[3][256];
+  const uint8_t* green_;  ///< the first table where the maps are equal
+  const uint8_t* blue_;
+};
+
+/// `nudge` is added to the offset.
+inline ToneLine toneLine(const StraightTone& tone, double nudge) {
+  const auto single = [](double value) {
+    constexpr double kMost = 1e30;
+    return static_cast<float>(std::clamp(value, -kMost, kMost));
+  };
+  return {single(tone.slope), single(tone.offset + nudge)};
+}
+
+struct ToneLinesRow {
+  ToneLines lines;
+
+  template <typename Format>
+  void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
+    QRZ_KERNEL_CALL(toneLineRow<Format>(destination, count, source, lines));
+  }
+};
+
 /// A new picture with every channel passed through its map; pads 0. A map takes
-/// a channel value, 0 to 255 as a double, and gives the byte that is stored. It
-/// is evaluated once for each value. Null if the picture cannot be read or no
-/// new one can be made.
+/// a channel value, 0 to 255 as a double, and gives the byte that is stored; its
+/// `line()` is a StraightTone. It is evaluated once for each value. Null if the
+/// picture cannot be read or no new one can be made.
 template <typename Map>
 HostPicture mapTones(HostPicture picture, const Map& red, const Map& green, const Map& blue) {
-  uint8_t tables[3][256];
-  for (int32_t value = 0; value < 256; ++value) {
-    tables[0][value] = static_cast<uint8_t>(red(static_cast<double>(value)));
-    tables[1][value] = static_cast<uint8_t>(green(static_cast<double>(value)));
-    tables[2][value] = static_cast<uint8_t>(blue(static_cast<double>(value)));
+  const ToneTables tones(red, green, blue);
+  // Lines in single precision are quicker than tables of bytes, where those have
+  // to be in memory. They serve where all 256 values come out the same; values
+  // that are whole numbers, or nearly, may need a nudge to either side.
+  constexpr double kNudge = 1.0 / 4096;
+  if (cpuLevel < CpuLevel::AVX512) {
+    for (const double nudge : {0.0, kNudge, -kNudge}) {
+      const ToneLines lines{toneLine(red.line(), nudge), toneLine(green.line(), nudge),
+                            toneLine(blue.line(), nudge)};
+      if (tones.areOn(lines)) return filterPicture(picture, wholePicture, ToneLinesRow{lines});
+    }
   }
-  return filterPicture(picture, wholePicture, MapChannelsRow{{tables[0], tables[1], tables[2]}});
+  return filterPicture(picture, wholePicture, MapChannelsRow{tones.tables()});
 }
 
 }  // namespace qrz

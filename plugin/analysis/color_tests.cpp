@@ -1,9 +1,7 @@
 // isWhiteQRZ, isBlackQRZ: whether all pixels have one colour.
 
+#include "plugin/kernels/compare.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/compare.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

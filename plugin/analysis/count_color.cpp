@@ -1,10 +1,8 @@
 // CountColorQRZ: the pixels of one exact colour, counted in place if possible.
 
+#include "plugin/kernels/count_color.h"
 #include "plugin/pixels/filter.h"
 #include "plugin/pixels/lock.h"
-
-#define QRZ_KERNEL "plugin/kernels/count_color.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

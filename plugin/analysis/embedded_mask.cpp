@@ -4,10 +4,8 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "plugin/kernels/embedded_mask.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/embedded_mask.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

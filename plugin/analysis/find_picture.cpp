@@ -1,13 +1,9 @@
 // FindPicture: the first exact copy of one picture inside another.
 
-#include "plugin/analysis/window_hash.h"
+#include "plugin/kernels/compare.h"
+#include "plugin/kernels/window_hash.h"
 #include "plugin/pixels/buffer.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/compare.inc"
-#include "plugin/kernels/for_each_level.h"
-#define QRZ_KERNEL "plugin/kernels/window_hash.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

@@ -1,46 +1,8 @@
 // PictureLut3DQRZ.Run: a region of the source picture mapped through the table.
 
 #include "plugin/classes/lut3d.h"
-#include "plugin/kernels/vector.h"
+#include "plugin/kernels/lut3d.h"
 #include "plugin/pixels/filter.h"
-
-namespace qrz {
-namespace {
-
-/// One colour channel's places in the lattice, for a vector of pixels.
-struct Lut3DAxis {
-  Levels offset;     ///< of the lower point, in table elements
-  Levels step;       ///< from the lower to the upper point; 0 at the last one
-  Levels remainder;  ///< of the level, 0 to 16
-};
-
-constexpr int32_t kLut3DBlockSize = 64;
-
-/// Pixels on their way through the table.
-struct Lut3DBlock {
-  uint16_t red[kLut3DBlockSize], green[kLut3DBlockSize], blue[kLut3DBlockSize];
-  uint16_t points[4][kLut3DBlockSize];      ///< of the tetrahedron, in table elements
-  uint16_t remainders[3][kLut3DBlockSize];  ///< in descending order
-  uint32_t mixed[kLut3DBlockSize][4];       ///< the new red, green and blue
-};
-
-/// A level's fraction of the way to the next point, by its remainder.
-constexpr double kFractions[kLut3DLevelsPerPoint] = {
-    0 / 17.0, 1 / 17.0,  2 / 17.0,  3 / 17.0,  4 / 17.0,  5 / 17.0,  6 / 17.0,  7 / 17.0, 8 / 17.0,
-    9 / 17.0, 10 / 17.0, 11 / 17.0, 12 / 17.0, 13 / 17.0, 14 / 17.0, 15 / 17.0, 16 / 17.0};
-
-QRZ_INLINE Lut3DAxis lut3DAxisAt(Levels level, uint16_t stride) {
-  // level / 17, exact for all levels.
-  const Levels lower = level * 241 >> 12;
-  const Levels hasUpper = isGreater(Levels{} + (kLut3DUsedPoints - 1), lower);
-  return {lower * stride, hasUpper & stride, level - lower * kLut3DLevelsPerPoint};
-}
-
-}  // namespace
-}  // namespace qrz
-
-#define QRZ_KERNEL "plugin/kernels/lut3d.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

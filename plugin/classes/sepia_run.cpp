@@ -3,39 +3,28 @@
 #include <algorithm>
 
 #include "plugin/classes/sepia.h"
+#include "plugin/kernels/sepia.h"
 #include "plugin/pixels/convert.h"
 #include "plugin/pixels/filter.h"
 
 namespace qrz {
 namespace {
 
-/// Weights in 1024ths, whole numbers of a type that holds 255 times all three
-/// together, and offsets in channel values.
-template <typename Weight, typename Offset>
-struct SepiaTone {
-  Weight weightRed, weightGreen, weightBlue;
-  Offset red, green, blue;
-};
-/// Single precision is exact up to 2^24, and quick at every CPU level.
-using NarrowTone = SepiaTone<float, int32_t>;
-using WideTone = SepiaTone<int64_t, int64_t>;
-
-}  // namespace
-}  // namespace qrz
-
-#define QRZ_KERNEL "plugin/kernels/sepia.inc"
-#include "plugin/kernels/for_each_level.h"
-
-namespace qrz {
-namespace {
-
-template <typename Tone>
 struct SepiaRow {
-  Tone tone;
+  NarrowTone tone;
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
     QRZ_KERNEL_CALL(sepiaRow<Format>(destination, count, source, tone));
+  }
+};
+
+struct WideSepiaRow {
+  WideTone tone;
+
+  template <typename Format>
+  void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
+    QRZ_KERNEL_CALL(wideSepiaRow<Format>(destination, count, source, tone));
   }
 };
 
@@ -48,27 +37,20 @@ WideTone toneOf(const PictureSepia& sepia) {
           sepia.SepiaBlue};
 }
 
-int64_t magnitude(int64_t value) { return value < 0 ? -value : value; }
-
-/// Whether 255 times the weights stays below 2^24.
+/// Whether 16 bits hold the weights.
 bool isNarrow(const WideTone& tone) {
-  return magnitude(tone.weightRed) + magnitude(tone.weightGreen) + magnitude(tone.weightBlue) <=
-         ((1 << 24) - 1) / 255;
+  const auto fits = [](int64_t weight) { return weight >= INT16_MIN && weight <= INT16_MAX; };
+  return fits(tone.weightRed) && fits(tone.weightGreen) && fits(tone.weightBlue);
 }
 
-/// The same with small weights. The luminance then stays inside ±16,384: an
+/// The same with small weights. The luminance then stays inside ±24,480: an
 /// offset far beyond that gives 0 or 255 whatever the pixel, and so does the limit.
 NarrowTone narrow(const WideTone& tone) {
-  const auto offset = [](int64_t value) {
-    constexpr int64_t kLimit = 4'194'304;
-    return static_cast<int32_t>(std::clamp(value, -kLimit, kLimit));
+  const auto number = [](int64_t value) {
+    return static_cast<int16_t>(std::clamp<int64_t>(value, INT16_MIN, INT16_MAX));
   };
-  return {static_cast<float>(tone.weightRed),
-          static_cast<float>(tone.weightGreen),
-          static_cast<float>(tone.weightBlue),
-          offset(tone.red),
-          offset(tone.green),
-          offset(tone.blue)};
+  return {number(tone.weightRed), number(tone.weightGreen), number(tone.weightBlue),
+          number(tone.red),       number(tone.green),       number(tone.blue)};
 }
 
 }  // namespace
@@ -95,7 +77,7 @@ int32_t RunSepiaQRZ(HostObject instance) {
   };
   const WideTone tone = toneOf(sepia);
   HostPicture made =
-      isNarrow(tone) ? run(SepiaRow<NarrowTone>{narrow(tone)}) : run(SepiaRow<WideTone>{tone});
+      isNarrow(tone) ? run(SepiaRow{narrow(tone)}) : run(WideSepiaRow{tone});
   return made != nullptr ? 1 : 0;
 }
 

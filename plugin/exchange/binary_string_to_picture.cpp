@@ -3,10 +3,8 @@
 
 #include "plugin/binding/strings.h"
 #include "plugin/exchange/binary_string.h"
+#include "plugin/kernels/triplets.h"
 #include "plugin/pixels/filter.h"
-
-#define QRZ_KERNEL "plugin/kernels/triplets.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

@@ -1,41 +1,89 @@
-// Compiles one kernel text once per CPU level. Use:
+// Compiles one kernel text once per CPU level. A kernel's header defines what its
+// text needs and then says:
 //
 //   #define QRZ_KERNEL "plugin/kernels/invert.inc"
 //   #include "plugin/kernels/for_each_level.h"
 //
-// and call a kernel of it at the chosen level with QRZ_KERNEL_CALL. A text
-// holds functions only and includes nothing: what it uses is included before.
-// Everything in it belongs to its level, so nothing compiled for one level can
-// serve another; what it calls per pixel from outside is marked QRZ_INLINE.
+// QRZ_KERNEL_CALL calls a kernel at the chosen level. A text holds functions only
+// and includes nothing; the vectors of its level (vectors.inc) are there. All of
+// it belongs to its level, so that nothing compiled for one can serve another;
+// what it calls per pixel from outside is marked QRZ_INLINE.
 // (No include guard: included once per kernel text.)
 
+// GCC 12 takes the results that its own header leaves open for uninitialized.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#include <immintrin.h>
+#pragma GCC diagnostic pop
+
 #include <cstdint>
+#include <cstring>
 
 #include "plugin/kernels/level.h"
 #include "plugin/pixels/format.h"
 
+#ifndef QRZ_BEGIN_LEVEL
+#define QRZ_PRAGMA(...) _Pragma(#__VA_ARGS__)
+#if defined(__clang__)
+#define QRZ_BEGIN_LEVEL(targets) \
+  QRZ_PRAGMA(clang attribute push(__attribute__((target(targets))), apply_to = function))
+#define QRZ_END_LEVEL QRZ_PRAGMA(clang attribute pop)
+#else
+#define QRZ_BEGIN_LEVEL(targets) QRZ_PRAGMA(GCC push_options) QRZ_PRAGMA(GCC target(targets ",fpmath=sse"))
+#define QRZ_END_LEVEL QRZ_PRAGMA(GCC pop_options)
+#endif
+#endif
+
 namespace qrz::sse2 {
+#define QRZ_LEVEL SSE2
+#define QRZ_REGISTER_BYTES 16
+#include "plugin/kernels/vectors.inc"
 #include QRZ_KERNEL
+#undef QRZ_LEVEL
+#undef QRZ_REGISTER_BYTES
 }  // namespace qrz::sse2
 
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx2,fpmath=sse")
-#endif
-namespace qrz::avx2 {
+QRZ_BEGIN_LEVEL("ssse3")
+namespace qrz::ssse3 {
+#define QRZ_LEVEL SSSE3
+#define QRZ_REGISTER_BYTES 16
+#include "plugin/kernels/vectors.inc"
 #include QRZ_KERNEL  // NOLINT(readability-duplicate-include): once per level
+#undef QRZ_LEVEL
+#undef QRZ_REGISTER_BYTES
+}  // namespace qrz::ssse3
+QRZ_END_LEVEL
+
+QRZ_BEGIN_LEVEL("avx2")
+namespace qrz::avx2 {
+#define QRZ_LEVEL AVX2
+#define QRZ_REGISTER_BYTES 32
+#include "plugin/kernels/vectors.inc"
+#include QRZ_KERNEL  // NOLINT(readability-duplicate-include)
+#undef QRZ_LEVEL
+#undef QRZ_REGISTER_BYTES
 }  // namespace qrz::avx2
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+QRZ_END_LEVEL
+
+QRZ_BEGIN_LEVEL("avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi")
+namespace qrz::avx512 {
+#define QRZ_LEVEL AVX512
+#define QRZ_REGISTER_BYTES 64
+#include "plugin/kernels/vectors.inc"
+#include QRZ_KERNEL  // NOLINT(readability-duplicate-include)
+#undef QRZ_LEVEL
+#undef QRZ_REGISTER_BYTES
+}  // namespace qrz::avx512
+QRZ_END_LEVEL
 
 #undef QRZ_KERNEL
 
 /// Calls `kernel`, a name with its template arguments, at the chosen level.
 #ifndef QRZ_KERNEL_CALL
-#define QRZ_KERNEL_CALL(...) (cpuLevel == CpuLevel::AVX2 ? avx2::__VA_ARGS__ : sse2::__VA_ARGS__)
+#define QRZ_KERNEL_CALL(...)                                \
+  (cpuLevel == CpuLevel::AVX512  ? avx512::__VA_ARGS__      \
+   : cpuLevel == CpuLevel::AVX2  ? avx2::__VA_ARGS__        \
+   : cpuLevel == CpuLevel::SSSE3 ? ssse3::__VA_ARGS__       \
+                                 : sse2::__VA_ARGS__)
 #endif

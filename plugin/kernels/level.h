@@ -7,7 +7,12 @@ namespace qrz {
 
 /// Levels in ascending order; every Intel machine that the host runs on has
 /// SSE2. All levels give the same bytes.
-enum class CpuLevel : int32_t { SSE2 = 0, AVX2 = 1 };
+enum class CpuLevel : int32_t {
+  SSE2 = 0,
+  SSSE3 = 1,  ///< bytes shuffled within 16
+  AVX2 = 2,   ///< vectors of 32 bytes
+  AVX512 = 3  ///< vectors of 64 bytes and look-ups in tables of bytes: F, BW, DQ, VL, VBMI
+};
 
 /// Chosen once, at the entry, before any kernel runs.
 inline CpuLevel cpuLevel = CpuLevel::SSE2;

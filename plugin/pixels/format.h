@@ -17,6 +17,10 @@ typedef uint32_t PixelWord __attribute__((aligned(1), may_alias));
 /// by side; the remaining byte is the pad (alpha or nothing).
 template <int RedShift, int GreenShift, int BlueShift, int PadShift>
 struct PixelFormat {
+  static constexpr int redShift = RedShift;
+  static constexpr int greenShift = GreenShift;
+  static constexpr int blueShift = BlueShift;
+
   static constexpr uint32_t colorMask =
       (0xFFU << RedShift) | (0xFFU << GreenShift) | (0xFFU << BlueShift);
 

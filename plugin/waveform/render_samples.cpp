@@ -3,22 +3,10 @@
 #include <algorithm>
 
 #include "plugin/binding/properties.h"
+#include "plugin/kernels/waveform.h"
 #include "plugin/pixels/filter.h"
 #include "plugin/waveform/waveform.h"
 #include "plugin/waveform/wu_line.h"
-
-namespace qrz {
-namespace {
-
-struct BarPixels {
-  uint32_t bar, background;
-};
-
-}  // namespace
-}  // namespace qrz
-
-#define QRZ_KERNEL "plugin/kernels/waveform.inc"
-#include "plugin/kernels/for_each_level.h"
 
 namespace qrz {
 namespace {

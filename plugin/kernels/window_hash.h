@@ -62,3 +62,6 @@ QRZ_INLINE uint32_t hashOfPixel(uint32_t word) {
 }
 
 }  // namespace qrz
+
+#define QRZ_KERNEL "plugin/kernels/window_hash.inc"
+#include "plugin/kernels/for_each_level.h"

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "plugin/kernels/histogram.h"
 #include "plugin/pixels/filter.h"
 
 namespace qrz {
@@ -37,54 +38,21 @@ struct Histogram {
   }
 };
 
-/// Counts of one channel. Neighbouring pixels are often equal, and adding to
-/// the same counter twice in a row waits for memory: even and odd pixels have
-/// counters of their own.
-struct ChannelCounts {
-  uint32_t even[256];
-  uint32_t odd[256];
-
-  void addTo(Counter* counters) const {
-    for (int32_t i = 0; i < 256; ++i) counters[i] += even[i] + odd[i];
-  }
-};
-
-struct PixelCounts {
-  ChannelCounts red, green, blue;
-
-  template <typename Format>
-  void add(const PixelWord* row, int32_t count) {
-    int32_t x = 0;
-    for (; x + 1 < count; x += 2) {
-      const uint32_t first = row[x];
-      const uint32_t second = row[x + 1];
-      ++red.even[Format::red(first)];
-      ++green.even[Format::green(first)];
-      ++blue.even[Format::blue(first)];
-      ++red.odd[Format::red(second)];
-      ++green.odd[Format::green(second)];
-      ++blue.odd[Format::blue(second)];
-    }
-    if (x >= count) return;
-    ++red.even[Format::red(row[x])];
-    ++green.even[Format::green(row[x])];
-    ++blue.even[Format::blue(row[x])];
-  }
-};
-
 /// Adds the picture's pixels to three open histograms; returns how many.
 template <typename Path>
 int32_t countPixels(const PictureReader<Path>& reader, Counter* red, Counter* green,
                     Counter* blue) {
-  PixelCounts counts{};
+  HistogramCounters counters[2] = {};
   uint32_t pixels = 0;
   for (int32_t y = 0; y < reader.height(); ++y) {
-    counts.add<typename Path::Format>(reader.row(y), reader.width());
+    QRZ_KERNEL_CALL(countRow<typename Path::Format>(counters, reader.row(y), reader.width()));
     pixels += static_cast<uint32_t>(reader.width());
   }
-  counts.red.addTo(red);
-  counts.green.addTo(green);
-  counts.blue.addTo(blue);
+  for (int32_t i = 0; i < 256; ++i) {
+    red[i] += counters[0].red[i] + counters[1].red[i];
+    green[i] += counters[0].green[i] + counters[1].green[i];
+    blue[i] += counters[0].blue[i] + counters[1].blue[i];
+  }
   return static_cast<int32_t>(pixels);
 }
 

@@ -1,0 +1,18 @@
+// Histograms of the channels of pixel rows.
+#pragma once
+
+#include <cstdint>
+
+namespace qrz {
+
+/// One counter for every value of each channel. Neighbouring pixels are often
+/// alike, and adding to the same counter twice in a row waits for memory: even
+/// and odd pixels have counters of their own.
+struct HistogramCounters {
+  uint32_t red[256], green[256], blue[256];
+};
+
+}  // namespace qrz
+
+#define QRZ_KERNEL "plugin/kernels/histogram.inc"
+#include "plugin/kernels/for_each_level.h"

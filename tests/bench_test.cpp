@@ -11,6 +11,7 @@
 #include <span>
 #include <sstream>
 
+#include "host/bench/instruction_trace.h"
 #include "host/core/picture.h"
 #include "host/core/runtime.h"
 #include "host/core/store_pool.h"
@@ -96,18 +97,38 @@ TEST_F(BenchTest, FilesHoldWhatWasMeasured) {
 }
 
 #ifndef __SANITIZE_ADDRESS__  // whose builds have no vector code
+/// The highest level that the plug-in has code for.
+constexpr auto kHighestLevel = InstructionSet::AVX2;
+
+InstructionSet highestOfCpu() {
+  if (__builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+      __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
+      __builtin_cpu_supports("avx512vbmi") != 0) {
+    return InstructionSet::AVX512;
+  }
+  if (__builtin_cpu_supports("avx2") != 0) return InstructionSet::AVX2;
+  return __builtin_cpu_supports("ssse3") != 0 ? InstructionSet::SSSE3 : InstructionSet::SSE2;
+}
+
 TEST_F(BenchTest, LevelIsTheOneThatRuns) {
-  for (const auto& [plugin, isCapped] :
-       {std::pair{"PictureQRZ.so", false}, {"levels/PictureQRZ-sse2.so", true}}) {
+  static constexpr std::string_view kNames[] = {"SSE2", "SSSE3", "AVX2", "AVX512"};
+  const std::pair<const char*, InstructionSet> plugins[] = {
+      {"PictureQRZ.so", kHighestLevel},
+      {"levels/PictureQRZ-sse2.so", InstructionSet::SSE2},
+      {"levels/PictureQRZ-avx2.so", InstructionSet::AVX2},
+  };
+  for (const auto& [plugin, cap] : plugins) {
     // Whatever the file is called.
     std::filesystem::copy_file(std::string(QRZ_BUILD_FOLDER "/") + plugin, path("any.so"),
                                std::filesystem::copy_options::overwrite_existing);
     const Outcome outcome = qrz("bench --size 8x8 --members '^InvertQRZ$' --plugin " +
                                 path("any.so") + " --json " + path("out.json"));
     ASSERT_EQ(outcome.status, 0) << outcome.output;
-    const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    for (const Entry& entry : entriesIn("out.json")) {
-      EXPECT_EQ(entry.level, hasAvx2 && !isCapped ? "AVX2" : "SSE2") << plugin;
+    const auto expected = std::min({highestOfCpu(), cap, kHighestLevel});
+    const std::vector<Entry> entries = entriesIn("out.json");
+    EXPECT_FALSE(entries.empty());
+    for (const Entry& entry : entries) {
+      EXPECT_EQ(entry.level, kNames[static_cast<size_t>(expected)]) << plugin;
     }
   }
 }

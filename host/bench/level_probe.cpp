@@ -1,66 +1,46 @@
 #include "host/bench/level_probe.h"
 
-#include <cstdint>
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
 
+#include "host/bench/cases.h"
+#include "host/bench/instruction_trace.h"
 #include "host/bench/members.h"
-#include "host/bench/subject.h"
 
 namespace host {
 namespace {
 
-// The host and the C library, built for SSE2, leave the upper halves alone, too.
-// No target attribute: it would have the compiler clear them at the function's end.
+/// Their kernels use what a level has to offer: the second one shuffles bytes.
+constexpr std::array<std::string_view, 2> kProbes = {"InvertQRZ", "PicturetoBinaryStringQRZ"};
 
-/// Sets all bits of the eight vector registers, 256 bits each.
-void fillRegisters() {
-  asm volatile(
-      "vcmptrueps %%ymm0, %%ymm0, %%ymm0\n\t"
-      "vmovaps %%ymm0, %%ymm1\n\t"
-      "vmovaps %%ymm0, %%ymm2\n\t"
-      "vmovaps %%ymm0, %%ymm3\n\t"
-      "vmovaps %%ymm0, %%ymm4\n\t"
-      "vmovaps %%ymm0, %%ymm5\n\t"
-      "vmovaps %%ymm0, %%ymm6\n\t"
-      "vmovaps %%ymm0, %%ymm7\n\t"
-      :
-      :
-      : "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7");
-}
+/// The registers of every level are filled a few times by each row.
+constexpr PictureSize kProbedSize{64, 4};
 
-/// Whether all bits of the upper halves are still set. Clears them.
-bool areUpperHalvesFilled() {
-  int32_t signs = 0;
-  asm volatile(
-      "vandps %%ymm0, %%ymm1, %%ymm0\n\t"
-      "vandps %%ymm2, %%ymm3, %%ymm2\n\t"
-      "vandps %%ymm4, %%ymm5, %%ymm4\n\t"
-      "vandps %%ymm6, %%ymm7, %%ymm6\n\t"
-      "vandps %%ymm0, %%ymm2, %%ymm0\n\t"
-      "vandps %%ymm4, %%ymm6, %%ymm4\n\t"
-      "vandps %%ymm0, %%ymm4, %%ymm0\n\t"
-      "vextractf128 $1, %%ymm0, %%xmm0\n\t"
-      "vmovmskps %%xmm0, %0\n\t"
-      "vzeroupper\n\t"
-      : "=r"(signs)
-      :
-      : "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7");
-  return signs == 0xF;
+constexpr std::string_view kNames[] = {"SSE2", "SSSE3", "AVX2", "AVX512"};
+
+std::optional<InstructionSet> setUsedBy(const NamedMember& named, const Subject& subject) {
+  const auto benchCase = std::ranges::find(benchCases(), named.name, &BenchCase::member);
+  const BenchCall call = benchCase->make(subject);
+  const auto run = [&] {
+    std::vector<Value> arguments = call.arguments;
+    static_cast<void>(named.member->call(call.self.get(), arguments));
+  };
+  run();  // so that nothing is looked up or loaded any more
+  return highestInstructionSet(codeAround(named.member->function), run);
 }
 
 }  // namespace
 
 std::string observedLevel() {
+  const Subject subject = makeSubject(Content::Photo, kProbedSize);
+  std::optional<InstructionSet> highest;
   for (const NamedMember& named : registeredMembers()) {
-    if (named.name != "InvertQRZ") continue;
-    if (__builtin_cpu_supports("avx") == 0) return "SSE2";
-    const Subject subject = makeSubject(Content::White, {64, 64});
-    // Once before, so that nothing is looked up or loaded any more.
-    named.member->call(subject.picture.get(), {});
-    fillRegisters();
-    const Value result = named.member->call(subject.picture.get(), {});
-    return areUpperHalvesFilled() ? "SSE2" : "AVX2";
+    if (std::ranges::count(kProbes, named.name) == 0) continue;
+    highest = std::max(highest, setUsedBy(named, subject));
   }
-  return "unknown";
+  return std::string(highest ? kNames[static_cast<size_t>(*highest)] : "unknown");
 }
 
 }  // namespace host

@@ -5,10 +5,10 @@
 
 namespace host {
 
-/// "AVX2" or "SSE2", as it is seen while InvertQRZ inverts a picture: AVX2 code
-/// clears the upper halves of the vector registers that it uses, SSE2 code leaves
-/// them as they are. So it does not matter what the plug-in's file is called or
-/// how it chooses. "unknown" if there is no InvertQRZ.
+/// "SSE2", "SSSE3", "AVX2" or "AVX512": the highest instruction set that the
+/// plug-in's own code uses to invert a small picture and to make a binary string
+/// of it. So it does not matter what the plug-in's file is called or how it
+/// chooses. "unknown" if it has neither InvertQRZ nor PicturetoBinaryStringQRZ.
 std::string observedLevel();
 
 }  // namespace host

@@ -27,6 +27,7 @@ std::optional<Member> memberOf(const qrz::MethodRecord& record, Scope scope) {
   }
   member.isRegistered = true;
   member.flags = record.flags;
+  member.function = reinterpret_cast<const void*>(record.function);
   member.assignedType = assignedTypeOf(member.declaration);
   const auto selfOf = [scope](Object* self) {
     return scope == Scope::Object ? Self(self) : std::nullopt;

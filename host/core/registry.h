@@ -18,8 +18,9 @@ namespace host {
 struct Member {
   Declaration declaration;
   bool isProperty = false;
-  bool isRegistered = false;  ///< by the plug-in, not built in
-  uint32_t flags = 0;         ///< as the plug-in registered them
+  bool isRegistered = false;       ///< by the plug-in, not built in
+  uint32_t flags = 0;              ///< as the plug-in registered them
+  const void* function = nullptr;  ///< the plug-in's code of a registered method
 
   /// Arguments are already converted to the declared types, one per declared
   /// parameter. ByRef arguments are written back into the span. `self` is null

@@ -13,6 +13,7 @@ namespace {
 constexpr Content kPictures[] = {Content::Photo, Content::Noise};
 /// For members whose time no pixel changes.
 constexpr Content kAny[] = {Content::Photo};
+constexpr Content kHistogram[] = {Content::Photo, Content::Noise, Content::White};
 constexpr Content kWhite[] = {Content::White};
 constexpr Content kBlack[] = {Content::Black};
 constexpr Content kWaveform[] = {Content::Waveform};
@@ -60,7 +61,8 @@ BenchCall scrollBoth(const Subject& subject, bool wrap) {
   return scroll(subject, wrap, thirdOf(subject.size.width), thirdOf(subject.size.height));
 }
 
-/// Looks for the last sixteenth of the picture.
+/// Looks for the last sixteenth of the picture; if it is not to be there, with
+/// another last pixel.
 BenchCall findPart(const Subject& subject, bool isThere) {
   const PictureSize part{std::max(subject.size.width / 4, 1), std::max(subject.size.height / 4, 1)};
   const int32_t left = subject.size.width - part.width;
@@ -71,6 +73,15 @@ BenchCall findPart(const Subject& subject, bool isThere) {
   BenchCall call = onPicture(subject, {objectValue(pattern), 0, 0});
   // A pattern of few pixels may be elsewhere, too.
   return isThere ? expecting(std::move(call), true) : call;
+}
+
+/// Finds it where only one pixel, in the middle of that sixteenth, tells it
+/// from all the rest.
+BenchCall findOddPixel(const Subject& subject) {
+  const auto [width, height] = subject.size;
+  const auto picture = copyOf(subject);
+  picture->fill(width - 1 - width / 8, height - 1 - height / 8, 1, 1, 0xFEFEFE);
+  return findPart({subject.content, subject.size, picture, nullptr}, true);
 }
 
 BenchCall mapChannels(const Subject& subject) {
@@ -174,8 +185,10 @@ constexpr BenchCase kCases[] = {
 
     {"FindPicture", "found at the end", kPictures, [](S s) { return findPart(s, true); }},
     {"FindPicture", "not there", kPictures, [](S s) { return findPart(s, false); }},
+    {"FindPicture", "flat, one odd pixel", kWhite, findOddPixel},
+    {"FindPicture", "worst case", kWhite, [](S s) { return findPart(s, false); }},
     {"CountColorQRZ", "", kPictures, [](S s) { return onPicture(s, {Color{s.picture->pixel(0, 0)}}); }},
-    {"CountColorsQRZ", "", kPictures, [](S s) { return onPicture(s, {Nil{}, Nil{}, Nil{}, 0}); }},
+    {"CountColorsQRZ", "", kHistogram, [](S s) { return onPicture(s, {Nil{}, Nil{}, Nil{}, 0}); }},
     {"isWhiteQRZ", "", kWhite, [](S s) { return expecting(onPicture(s), true); }},
     {"isWhiteQRZ(left, top, width, height)", "", kWhite, [](S s) { return expecting(onPicture(s, inner(s)), true); }},
     {"isBlackQRZ", "", kBlack, [](S s) { return expecting(onPicture(s), true); }},

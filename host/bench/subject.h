@@ -12,8 +12,9 @@ namespace host {
 enum class Content {
   Photo,     ///< a landscape with grain, like a photograph
   Noise,     ///< random colours
-  White,     ///< for members that stop at the first pixel of another colour
-  Black,     ///< likewise
+  White,     ///< for members that stop at the first pixel of another colour, and
+             ///< for searches that do not until the end
+  Black,     ///< for the former
   Waveform,  ///< no picture: the sound of a chord
 };
 

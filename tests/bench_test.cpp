@@ -98,7 +98,7 @@ TEST_F(BenchTest, FilesHoldWhatWasMeasured) {
 
 #ifndef __SANITIZE_ADDRESS__  // whose builds have no vector code
 /// The highest level that the plug-in has code for.
-constexpr auto kHighestLevel = InstructionSet::AVX2;
+constexpr auto kHighestLevel = InstructionSet::AVX512;
 
 InstructionSet highestOfCpu() {
   if (__builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&

@@ -1,8 +1,7 @@
 // FindPicture: the first exact copy of one picture inside another.
 
+#include "plugin/analysis/window_hashes.h"
 #include "plugin/kernels/compare.h"
-#include "plugin/kernels/window_hash.h"
-#include "plugin/pixels/buffer.h"
 #include "plugin/pixels/filter.h"
 
 namespace qrz {
@@ -32,6 +31,7 @@ class PictureSearch {
   /// Whether the pattern was found; then `found` is its first place.
   bool run(Position& found) {
     if (pattern_.width() < 1 || pattern_.height() < 1) return false;
+    tell_ = findTell();
     int32_t y = 0;
     for (; y < rows_; ++y) {
       if (findInRow(y, found)) return true;
@@ -43,6 +43,19 @@ class PictureSearch {
  private:
   /// What it costs to start with a row, in pixels.
   static constexpr int64_t kRowCost = 16;
+
+  /// A pixel of the pattern that tells it from one colour, or else its last one.
+  Position findTell() const {
+    const uint32_t first = pattern_.row(0)[0] & Format::colorMask;
+    for (int32_t y = 0; y < pattern_.height(); ++y) {
+      const PixelWord* row = pattern_.row(y);
+      if (QRZ_KERNEL_CALL(rowIsOf<Format>(row, pattern_.width(), first))) continue;
+      int32_t x = 0;
+      while ((row[x] & Format::colorMask) == first) ++x;
+      return {x, y};
+    }
+    return {pattern_.width() - 1, pattern_.height() - 1};
+  }
 
   /// Compares the pictures at one place.
   bool matchesAt(Position place) {
@@ -56,74 +69,39 @@ class PictureSearch {
     return true;
   }
 
-  /// Compares at every place of a row whose pixel is the pattern's first one,
-  /// as long as that is affordable.
+  /// Compares at every place of a row where the pattern's first pixel and the one
+  /// that tells it are right, as long as that is affordable.
   bool findInRow(int32_t y, Position& found) {
-    const uint32_t first = pattern_.row(0)[0];
     const PixelWord* row = haystack_.row(y);
-    for (int32_t x = 0; x < columns_; ++x) {
-      if (((row[x] ^ first) & Format::colorMask) != 0) continue;
+    const PixelWord* tellRow = haystack_.row(y + tell_.y) + tell_.x;
+    const uint32_t first = pattern_.row(0)[0];
+    const uint32_t tell = pattern_.row(tell_.y)[tell_.x];
+    for (int32_t x = 0; compared_ <= affordable_; ++x) {
+      x = QRZ_KERNEL_CALL(nextPair<Format>(row, tellRow, x, columns_, first, tell));
+      if (x >= columns_) return false;
       if (matchesAt({x, y})) {
         found = {x, y};
         return true;
       }
-      if (compared_ > affordable_) return false;
     }
     return false;
-  }
-
-  /// The hash of the pattern.
-  uint32_t patternHash(const Buffer<uint32_t>& hashes) const {
-    for (int32_t y = 0; y < pattern_.height(); ++y) {
-      slide(hashes, pattern_.width(), pattern_.row(y), nullptr);
-    }
-    uint32_t hash = 0;
-    for (int32_t x = 0; x < pattern_.width(); ++x) {
-      hash = hashPlus(hashTimes(hash, bases_.row), hashes[x]);
-      hashes[x] = 0;
-    }
-    return hash;
-  }
-
-  void slide(const Buffer<uint32_t>& hashes, int32_t width, const PixelWord* entering,
-             const PixelWord* leaving) const {
-    QRZ_KERNEL_CALL(
-        slideColumns<Format>(hashes.data(), width, entering, leaving, bases_.column, columnPower_));
-  }
-
-  /// Compares at the places of a row whose hash is right; `hashes` are those of
-  /// the haystack's columns from this row on.
-  bool findInRowByHash(int32_t y, const Buffer<uint32_t>& hashes, uint32_t wanted,
-                       Position& found) {
-    const int32_t width = pattern_.width();
-    const uint32_t power = hashPower(bases_.row, width);
-    uint32_t hash = 0;
-    for (int32_t x = 0; x < width; ++x) hash = hashPlus(hashTimes(hash, bases_.row), hashes[x]);
-    for (int32_t x = 0;; ++x) {
-      if (hash == wanted && matchesAt({x, y})) {
-        found = {x, y};
-        return true;
-      }
-      if (x + 1 >= columns_) return false;
-      hash = hashPlus(hashTimes(hash, bases_.row), hashes[x + width]);
-      hash = hashMinus(hash, hashTimes(hashes[x], power));
-    }
   }
 
   /// Searches on from a row. Without memory for the hashes, costs do not count.
   bool findByHash(int32_t firstRow, Position& found) {
     if (firstRow >= rows_) return false;
-    const Buffer<uint32_t> hashes(haystack_.width());
+    WindowHashes<Format> hashes(haystack_.width(), pattern_);
     if (!hashes) return findByComparing(firstRow, found);
-    const uint32_t wanted = patternHash(hashes);
     const int32_t height = pattern_.height();
-    for (int32_t y = firstRow; y < firstRow + height - 1; ++y) {
-      slide(hashes, haystack_.width(), haystack_.row(y), nullptr);
-    }
+    for (int32_t y = firstRow; y < firstRow + height; ++y) hashes.enter(haystack_.row(y));
     for (int32_t y = firstRow; y < rows_; ++y) {
-      const PixelWord* leaving = y > firstRow ? haystack_.row(y - 1) : nullptr;
-      slide(hashes, haystack_.width(), haystack_.row(y + height - 1), leaving);
-      if (findInRowByHash(y, hashes, wanted, found)) return true;
+      if (y > firstRow) hashes.slide(haystack_.row(y + height - 1), haystack_.row(y - 1));
+      hashes.sumUp();
+      for (int32_t x = hashes.next(0); x < columns_; x = hashes.next(x + 1)) {
+        if (!matchesAt({x, y})) continue;
+        found = {x, y};
+        return true;
+      }
     }
     return false;
   }
@@ -139,11 +117,10 @@ class PictureSearch {
   const Reader& haystack_;
   const Reader& pattern_;
   const int32_t columns_, rows_;  ///< places to look at; none if below 1
-  const HashBases bases_ = unpredictableBases();
-  const uint32_t columnPower_ = hashPower(bases_.column, pattern_.height());
+  Position tell_{};
   int64_t compared_ = 0;
   /// Pixels that may be compared in vain before hashing pays.
-  int64_t affordable_ = 2 * static_cast<int64_t>(haystack_.width()) * haystack_.height();
+  int64_t affordable_ = static_cast<int64_t>(haystack_.width()) * haystack_.height() / 4;
 };
 
 }  // namespace

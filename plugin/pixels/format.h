@@ -20,6 +20,8 @@ struct PixelFormat {
   static constexpr int redShift = RedShift;
   static constexpr int greenShift = GreenShift;
   static constexpr int blueShift = BlueShift;
+  /// Where the colour channels start.
+  static constexpr int lowestShift = PadShift == 0 ? 8 : 0;
 
   static constexpr uint32_t colorMask =
       (0xFFU << RedShift) | (0xFFU << GreenShift) | (0xFFU << BlueShift);

@@ -16,6 +16,7 @@
 
 #include "plugin/pixels/area.h"
 #include "plugin/pixels/reader.h"
+#include "plugin/pixels/streamed_rows.h"
 #include "plugin/pixels/writer.h"
 
 namespace qrz {
@@ -98,13 +99,15 @@ HostPicture makePicture(const Pictures<Count>& pictures, SizeRule sizesFit, Work
 
 namespace detail {
 
-/// One row of every source, from column x0 on, for the row operation.
+/// `count` pixels of every source, from (x, y) on, for the row operation.
 template <typename Format, typename Readers, typename RowOperation, size_t... Index>
-void filterRow(const Readers& readers, const Area& area, int32_t y, PixelWord* destination,
+void filterRow(const Readers& readers, int32_t x, int32_t y, PixelWord* destination, int32_t count,
                const RowOperation& operation, std::index_sequence<Index...> /*sources*/) {
-  operation.template row<Format>(destination + area.x0, area.x1 - area.x0,
-                                 (readers[Index].row(y) + area.x0)...);
+  operation.template row<Format>(destination, count, (readers[Index].row(y) + x)...);
 }
+
+/// Pixels on their way past the caches, which hold them for as long as that takes.
+constexpr int32_t kStreamedAtOnce = 1024;
 
 }  // namespace detail
 
@@ -112,17 +115,36 @@ void filterRow(const Readers& readers, const Area& area, int32_t y, PixelWord* d
 ///
 ///   operation.row<Format>(destination, count, source0, source1, …)
 ///
-/// with `count` pixels at the same place of every picture. Sources and
+/// with `count` pixels, of a row or of a part of it, at the same place of every
+/// picture. Sources and
 /// destination never overlap. Pixels outside the area are not written.
 template <typename Path, size_t Count, typename RowOperation>
 void filterRows(const std::array<PictureReader<Path>, Count>& readers,
                 const PictureWriter<Path>& writer, const Area& area,
                 const RowOperation& operation) {
   if (area.x0 >= area.x1) return;
-  for (int32_t y = area.y0; y < area.y1; ++y) {
-    detail::filterRow<typename Path::Format>(readers, area, y, writer.row(y), operation,
+  const auto filter = [&](int32_t x, int32_t y, PixelWord* destination, int32_t count) {
+    detail::filterRow<typename Path::Format>(readers, x, y, destination, count, operation,
                                              std::make_index_sequence<Count>());
+  };
+  const int32_t width = area.x1 - area.x0;
+  const int64_t pixels = int64_t{width} * (area.y1 - area.y0);
+  constexpr int64_t kBytesPerPixel = sizeof(PixelWord) * (Count + 1);
+  if (!exceedsCaches(pixels * kBytesPerPixel)) {
+    for (int32_t y = area.y0; y < area.y1; ++y) {
+      filter(area.x0, y, writer.row(y) + area.x0, width);
+    }
+    return;
   }
+  PixelWord filtered[detail::kStreamedAtOnce];
+  for (int32_t y = area.y0; y < area.y1; ++y) {
+    for (int32_t x = area.x0; x < area.x1; x += detail::kStreamedAtOnce) {
+      const int32_t count = std::min(area.x1 - x, detail::kStreamedAtOnce);
+      filter(x, y, filtered, count);
+      streamPixels(writer.row(y) + x, filtered, count);
+    }
+  }
+  endStream();
 }
 
 /// Makes a new picture of the size of the first one and filters an area of it,

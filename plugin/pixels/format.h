@@ -31,8 +31,9 @@ struct PixelFormat {
   static QRZ_INLINE constexpr uint32_t blue(uint32_t word) { return (word >> BlueShift) & 0xFF; }
   static QRZ_INLINE constexpr uint32_t pad(uint32_t word) { return (word >> PadShift) & 0xFF; }
 
-  /// Whether red, green and blue are equal.
-  static QRZ_INLINE constexpr bool isGrey(uint32_t word) {
+  /// Whether red, green and blue are equal; of a vector of words, of each of them.
+  template <typename Word>
+  static QRZ_INLINE constexpr auto isGrey(Word word) {
     // Shifted down by a channel, the word lines up each channel with a
     // neighbour: a grey pixel differs in neither.
     constexpr uint32_t lowerTwo = colorMask & (colorMask >> 8);

@@ -10,12 +10,16 @@
 // what it calls per pixel from outside is marked QRZ_INLINE.
 // (No include guard: included once per kernel text.)
 
+#if defined(__clang__)
+#include <immintrin.h>
+#else
 // GCC 12 takes the results that its own header leaves open for uninitialized.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
 #include <immintrin.h>
 #pragma GCC diagnostic pop
+#endif
 
 #include <cstdint>
 #include <cstring>

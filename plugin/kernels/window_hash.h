@@ -61,7 +61,8 @@ struct WindowStep {
 QRZ_INLINE uint32_t isWanted(uint64_t number, uint32_t remainder) {
   // Below twice the prime now.
   const auto folded = static_cast<uint32_t>(hashFold(number));
-  return (folded == remainder) | (folded == remainder + kHashPrime) ? ~0U : 0;
+  const bool isEither = (folded == remainder) | (folded == remainder + kHashPrime);
+  return isEither ? ~0U : 0;
 }
 
 /// The bases of one search, below 2^29: then a column's hash stays below 2^32

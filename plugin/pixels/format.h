@@ -20,6 +20,8 @@ struct PixelFormat {
   static constexpr int redShift = RedShift;
   static constexpr int greenShift = GreenShift;
   static constexpr int blueShift = BlueShift;
+  /// Whether red, green and blue follow each other upwards.
+  static constexpr bool isInOrder = GreenShift == RedShift + 8 && BlueShift == GreenShift + 8;
   /// Where the colour channels start.
   static constexpr int lowestShift = PadShift == 0 ? 8 : 0;
 

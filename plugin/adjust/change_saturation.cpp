@@ -29,7 +29,8 @@ HostPicture ChangeSaturationQRZ(HostPicture picture, int32_t Amount) {
   // factors give the same bytes.
   constexpr int64_t kEnough = 256 * 255;
   const int64_t factor = std::clamp(int64_t{Amount} + 255, -kEnough, kEnough);
-  return filterPicture(picture, wholePicture, SaturationRow{SaturationFactor(static_cast<int32_t>(factor))});
+  return filterPicture(picture, wholePicture,
+                       SaturationRow{SaturationFactor(static_cast<int32_t>(factor))});
 }
 
 }  // namespace qrz

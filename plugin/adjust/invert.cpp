@@ -1,6 +1,7 @@
 // InvertQRZ: every pixel's colour inverted.
 
 #include "plugin/kernels/invert.h"
+
 #include "plugin/pixels/filter.h"
 
 namespace qrz {

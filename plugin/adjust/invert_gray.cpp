@@ -1,6 +1,7 @@
 // InvertGrayQRZ: the grey pixels inverted, the others copied.
 
 #include "plugin/kernels/invert_gray.h"
+
 #include "plugin/pixels/filter.h"
 
 namespace qrz {

@@ -1,6 +1,7 @@
 // ReplaceColorQRZ: one exact colour replaced by another.
 
 #include "plugin/kernels/replace_color.h"
+
 #include "plugin/pixels/filter.h"
 
 namespace qrz {

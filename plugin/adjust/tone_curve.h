@@ -45,10 +45,10 @@ class ToneTables {
   }
 
  private:
-  /// Maps of the same numbers, to the bit.
+  /// A map's line holds all its numbers.
   template <typename Map>
   static bool areEqual(const Map& a, const Map& b) {
-    return memcmp(&a, &b, sizeof a) == 0;
+    return a.line().slope == b.line().slope && a.line().offset == b.line().offset;
   }
   template <typename Map>
   static const uint8_t* fill(uint8_t (&table)[256], const Map& map) {

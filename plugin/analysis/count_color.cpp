@@ -1,6 +1,7 @@
 // CountColorQRZ: the pixels of one exact colour, counted in place if possible.
 
 #include "plugin/kernels/count_color.h"
+
 #include "plugin/pixels/filter.h"
 #include "plugin/pixels/lock.h"
 

@@ -1,10 +1,11 @@
 // EmbeddedMaskQRZ: the mask in a picture's own pads, read as a grey picture and
 // written from one.
 
+#include "plugin/kernels/embedded_mask.h"
+
 #include <algorithm>
 #include <type_traits>
 
-#include "plugin/kernels/embedded_mask.h"
 #include "plugin/pixels/filter.h"
 
 namespace qrz {

@@ -44,8 +44,8 @@ class WindowHashes {
   /// The first column from x on where a window has the pattern's hash; if there
   /// is none, the number of windows or more.
   [[nodiscard]] int32_t next(int32_t x) const {
-    return QRZ_KERNEL_CALL(nextWindow(sums_.data(), wanted_.data(), windowWidth_, x,
-                                      width_ - windowWidth_ + 1));
+    return QRZ_KERNEL_CALL(
+        nextWindow(sums_.data(), wanted_.data(), windowWidth_, x, width_ - windowWidth_ + 1));
   }
 
  private:

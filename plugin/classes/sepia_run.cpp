@@ -76,8 +76,7 @@ int32_t RunSepiaQRZ(HostObject instance) {
     return filterPicture(filter.SourcePicture, filter.region(), operation, store);
   };
   const WideTone tone = toneOf(sepia);
-  HostPicture made =
-      isNarrow(tone) ? run(SepiaRow{narrow(tone)}) : run(WideSepiaRow{tone});
+  HostPicture made = isNarrow(tone) ? run(SepiaRow{narrow(tone)}) : run(WideSepiaRow{tone});
   return made != nullptr ? 1 : 0;
 }
 

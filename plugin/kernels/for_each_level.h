@@ -41,7 +41,8 @@
   QRZ_PRAGMA(clang attribute push(__attribute__((target(targets))), apply_to = function))
 #define QRZ_END_LEVEL QRZ_PRAGMA(clang attribute pop)
 #else
-#define QRZ_BEGIN_LEVEL(targets) QRZ_PRAGMA(GCC push_options) QRZ_PRAGMA(GCC target(targets ",fpmath=sse"))
+#define QRZ_BEGIN_LEVEL(targets) \
+  QRZ_PRAGMA(GCC push_options) QRZ_PRAGMA(GCC target(targets ",fpmath=sse"))
 #define QRZ_END_LEVEL QRZ_PRAGMA(GCC pop_options)
 #endif
 #endif
@@ -92,9 +93,9 @@ QRZ_END_LEVEL
 
 /// Calls `kernel`, a name with its template arguments, at the chosen level.
 #ifndef QRZ_KERNEL_CALL
-#define QRZ_KERNEL_CALL(...)                                \
-  (cpuLevel == CpuLevel::AVX512  ? avx512::__VA_ARGS__      \
-   : cpuLevel == CpuLevel::AVX2  ? avx2::__VA_ARGS__        \
-   : cpuLevel == CpuLevel::SSSE3 ? ssse3::__VA_ARGS__       \
+#define QRZ_KERNEL_CALL(...)                           \
+  (cpuLevel == CpuLevel::AVX512  ? avx512::__VA_ARGS__ \
+   : cpuLevel == CpuLevel::AVX2  ? avx2::__VA_ARGS__   \
+   : cpuLevel == CpuLevel::SSSE3 ? ssse3::__VA_ARGS__  \
                                  : sse2::__VA_ARGS__)
 #endif

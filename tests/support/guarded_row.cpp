@@ -50,7 +50,13 @@ testing::AssertionResult GuardedRow::isAsExpected() const {
   const auto [there, wanted] = std::mismatch(actual, actual + expected_.size(), expected_.data());
   if (there == actual + expected_.size()) return testing::AssertionSuccess();
   return testing::AssertionFailure()
-         << "byte " << distanceTo(there) << " is " << int{*there} << " instead of " << int{*wanted};
+         << "byte " << there - begin_ << " is " << int{*there} << " instead of " << int{*wanted};
+}
+
+std::optional<ptrdiff_t> GuardedRow::distanceTo(const void* address) const {
+  const auto* byte = static_cast<const uint8_t*>(address);
+  if (byte < mapping_ || byte >= mapping_ + capacity_ + 2 * kPage) return std::nullopt;
+  return byte - begin_;
 }
 
 std::optional<const void*> faultIn(const std::function<void()>& function) {

@@ -51,10 +51,8 @@ class GuardedRow {
 
   /// Names the first byte, here or near, that is not what it is to be.
   [[nodiscard]] testing::AssertionResult isAsExpected() const;
-  /// The distance of an address from the row's start.
-  [[nodiscard]] ptrdiff_t distanceTo(const void* address) const {
-    return static_cast<const uint8_t*>(address) - begin_;
-  }
+  /// Where an address is, counted from the row's start; nothing if it is elsewhere.
+  [[nodiscard]] std::optional<ptrdiff_t> distanceTo(const void* address) const;
 
  private:
   uint8_t* mapping_;

@@ -84,9 +84,13 @@ void KernelCall::run(const std::function<void()>& kernel) {
     return;
   }
   const auto fault = faultIn(kernel);
-  for (uint32_t i = 0; fault && i < rowsUsed_; ++i) {
-    ADD_FAILURE() << "touches byte " << rows_[i].distanceTo(*fault) << " of row " << i;
+  if (!fault) return;
+  testing::Message where;
+  for (uint32_t i = 0; i < rowsUsed_; ++i) {
+    const auto distance = rows_[i].distanceTo(*fault);
+    if (distance) where << ": byte " << *distance << " of row " << i;
   }
+  ADD_FAILURE() << "touches memory that it must not" << where;
 }
 
 testing::AssertionResult KernelCall::isAsExpected() const {

@@ -31,6 +31,7 @@
 #include "plugin/kernels/triplets.h"
 #include "plugin/kernels/waveform.h"
 #include "plugin/kernels/window_hash.h"
+#include "plugin/pixels/streamed_rows.h"
 #include "tests/support/kernel_call.h"
 #include "tests/support/lut3d_reference.h"
 
@@ -623,21 +624,26 @@ INSTANTIATE_TEST_SUITE_P(Kernels, KernelTest,
                                           testing::Range(size_t{0}, std::size(formats))),
                          [](const auto& test) { return nameOf(test.param); });
 
-TEST_P(KernelTest, IsExact) {
-  const auto& [kernel, level, format] = GetParam();
-  if (level > detectCpuLevel()) GTEST_SKIP() << "this machine has no " << nameOf(level);
-  cpuLevel = level;
-  KernelCall call(formats[format].places);
+/// Rows of all lengths, and some longer ones, in all places.
+void expectExact(KernelCall& call, void (*check)(KernelCall&)) {
   std::vector<int32_t> counts = {191, 192, 193, 256, 257, 1000};
   for (int32_t count = 0; count <= 140; ++count) counts.push_back(count);
   for (const int32_t count : counts) {
     for (uint32_t turn = 0; turn < KernelCall::kTurns; ++turn) {
       call.start(count, turn);
-      kernel.checks[format](call);
+      check(call);
       EXPECT_TRUE(call.isAsExpected());
-      ASSERT_FALSE(HasFailure()) << "with " << count << " elements, turn " << turn;
+      ASSERT_FALSE(testing::Test::HasFailure()) << "with " << count << " elements, turn " << turn;
     }
   }
+}
+
+TEST_P(KernelTest, IsExact) {
+  const auto& [kernel, level, format] = GetParam();
+  if (level > detectCpuLevel()) GTEST_SKIP() << "this machine has no " << nameOf(level);
+  cpuLevel = level;
+  KernelCall call(formats[format].places);
+  expectExact(call, kernel.checks[format]);
   // Nothing of a higher level runs, which another machine may not have. Slow, and the
   // formats share a text.
   if (format != 0) return;
@@ -656,6 +662,18 @@ TEST(Kernels, EachTextIsChecked) {
       return text.stem() == kernel.text;
     })) << text;
   }
+}
+
+/// No kernel of a level's own.
+TEST(Kernels, StreamedPixelsAreCopied) {
+  KernelCall call(formats[0].places);
+  expectExact(call, [](KernelCall& rows) {
+    const auto stream = [](PixelWord* to, int32_t count, const PixelWord* from) {
+      streamPixels(to, from, count);
+      endStream();
+    };
+    rows.filter(stream, [](const Pixel& p) { return p; });
+  });
 }
 
 TEST(Kernels, RunAtTheLevelThatIsAskedFor) {

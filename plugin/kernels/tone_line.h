@@ -5,8 +5,8 @@
 
 namespace qrz {
 
-/// A channel value v becomes slope × v + offset, cut to 0 to 255 and truncated,
-/// in single precision.
+/// A channel value v becomes slope × v + offset in single precision, truncated and
+/// cut to 0 to 255; from 2^31 on, and for what is no number, 0.
 struct ToneLine {
   float slope, offset;
 };

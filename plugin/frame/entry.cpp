@@ -3,6 +3,7 @@
 #include "plugin/binding/services.h"
 #include "plugin/frame/registration.h"
 #include "plugin/kernels/level.h"
+#include "plugin/pixels/streamed_rows.h"
 
 namespace qrz {
 namespace {
@@ -30,6 +31,7 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(
   if (hostResolver == nullptr) return;
   qrz::resolver = hostResolver;
   qrz::cpuLevel = qrz::detectCpuLevel();
+  qrz::cacheBytes = qrz::detectCacheBytes();
   qrz::registerInterfaceVersion();
   qrz::readHostVersion();
   qrz::PluginEntry();

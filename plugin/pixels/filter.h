@@ -130,7 +130,7 @@ void filterRows(const std::array<PictureReader<Path>, Count>& readers,
   const int32_t width = area.x1 - area.x0;
   const int64_t pixels = int64_t{width} * (area.y1 - area.y0);
   constexpr int64_t kBytesPerPixel = sizeof(PixelWord) * (Count + 1);
-  if (!exceedsCaches(pixels * kBytesPerPixel)) {
+  if (pixels * kBytesPerPixel <= cacheBytes) {
     for (int32_t y = area.y0; y < area.y1; ++y) {
       filter(area.x0, y, writer.row(y) + area.x0, width);
     }

@@ -2,6 +2,8 @@
 
 #include <cpuid.h>
 
+#include <algorithm>
+
 namespace qrz {
 namespace {
 
@@ -37,27 +39,18 @@ int64_t largestCacheBytes(uint32_t leaf) {
   return largest;
 }
 
-int64_t largestCacheBytes() {
-  constexpr uint32_t kIntelLeaf = 4;
-  constexpr uint32_t kAmdLeaf = 0x8000001D;
-  const int64_t bytes = largestCacheBytes(kIntelLeaf);
-  return bytes != 0 ? bytes : largestCacheBytes(kAmdLeaf);
-}
-
 #endif
 
 }  // namespace
 
-bool exceedsCaches(int64_t bytes) {
+int64_t detectCacheBytes() {
 #ifdef QRZ_CACHE_BYTES
-  return bytes > QRZ_CACHE_BYTES;
+  return QRZ_CACHE_BYTES;
 #else
-  // Asking the processor takes as long as copying some thousand pixels. Without an
-  // answer nothing is said to exceed them.
-  constexpr int64_t kAlwaysFits = int64_t{2} << 20;
-  if (bytes <= kAlwaysFits) return false;
-  const int64_t caches = largestCacheBytes();
-  return caches != 0 && bytes > caches;
+  constexpr uint32_t kIntelLeaf = 4;
+  constexpr uint32_t kAmdLeaf = 0x8000001D;
+  const int64_t bytes = std::max(largestCacheBytes(kIntelLeaf), largestCacheBytes(kAmdLeaf));
+  return bytes != 0 ? bytes : INT64_MAX;
 #endif
 }
 

@@ -10,10 +10,15 @@
 
 namespace qrz {
 
-/// Whether what a call reads and writes, in bytes, is more than the processor's
-/// caches hold. A store into memory that no cache holds first reads it; streamed
-/// stores do not, but are slower where a cache could have taken them.
-bool exceedsCaches(int64_t bytes);
+/// What the processor's largest cache holds, in bytes. Found once, at the entry:
+/// asking takes as long as inverting ten thousand pixels and more. Calls that read
+/// and write more than this stream their pixels: a store into memory that no cache
+/// holds first reads it; streamed stores do not, but are slower where a cache could
+/// have taken them.
+inline int64_t cacheBytes = INT64_MAX;
+
+/// INT64_MAX if the processor does not say.
+int64_t detectCacheBytes();
 
 /// Copies pixels past the caches.
 inline void streamPixels(PixelWord* destination, const PixelWord* source, int32_t count) {

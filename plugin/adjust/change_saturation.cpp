@@ -13,7 +13,7 @@ struct SaturationRow {
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(saturationRow<Format>(destination, count, source, factor));
+    QRZ_ROW_KERNEL_CALL(count, saturationRow<Format>(destination, count, source, factor));
   }
 };
 

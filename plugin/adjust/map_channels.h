@@ -11,7 +11,7 @@ struct MapChannelsRow {
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(mapChannelsRow<Format>(destination, count, source, tables));
+    QRZ_ROW_KERNEL_CALL(count, mapChannelsRow<Format>(destination, count, source, tables));
   }
 };
 

@@ -10,7 +10,7 @@ struct MergeRow {
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* first,
            const PixelWord* second) const {
-    QRZ_KERNEL_CALL(mergeRow<Format>(destination, count, first, second));
+    QRZ_ROW_KERNEL_CALL(count, mergeRow<Format>(destination, count, first, second));
   }
 };
 

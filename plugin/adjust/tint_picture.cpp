@@ -16,7 +16,7 @@ struct TintRow {
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(tintRow<Format>(destination, count, source, weights, tints));
+    QRZ_ROW_KERNEL_CALL(count, tintRow<Format>(destination, count, source, weights, tints));
   }
 };
 

@@ -72,12 +72,19 @@ inline ToneLine toneLine(const StraightTone& tone, double nudge) {
   return {single(tone.slope), single(tone.offset + nudge)};
 }
 
-struct ToneLinesRow {
+/// The lines serve where they may and are quicker than the tables.
+struct ToneRow {
+  MapChannelsRow tables;
   ToneLines lines;
+  bool areLinesExact;
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(toneLineRow<Format>(destination, count, source, lines));
+    if (areLinesExact && cpuLevelFor(count) < CpuLevel::AVX512) {
+      QRZ_ROW_KERNEL_CALL(count, toneLineRow<Format>(destination, count, source, lines));
+    } else {
+      tables.row<Format>(destination, count, source);
+    }
   }
 };
 
@@ -88,18 +95,17 @@ struct ToneLinesRow {
 template <typename Map>
 HostPicture mapTones(HostPicture picture, const Map& red, const Map& green, const Map& blue) {
   const ToneTables tones(red, green, blue);
-  // Lines in single precision are quicker than tables of bytes, where those have
-  // to be in memory. They serve where all 256 values come out the same; values
+  ToneRow row{{tones.tables()}, {}, false};
+  // Lines in single precision serve where all 256 values come out the same; values
   // that are whole numbers, or nearly, may need a nudge to either side.
   constexpr double kNudge = 1.0 / 4096;
-  if (cpuLevel < CpuLevel::AVX512) {
-    for (const double nudge : {0.0, kNudge, -kNudge}) {
-      const ToneLines lines{toneLine(red.line(), nudge), toneLine(green.line(), nudge),
-                            toneLine(blue.line(), nudge)};
-      if (tones.areOn(lines)) return filterPicture(picture, wholePicture, ToneLinesRow{lines});
-    }
+  for (const double nudge : {0.0, kNudge, -kNudge}) {
+    row.lines = {toneLine(red.line(), nudge), toneLine(green.line(), nudge),
+                 toneLine(blue.line(), nudge)};
+    row.areLinesExact = tones.areOn(row.lines);
+    if (row.areLinesExact) break;
   }
-  return filterPicture(picture, wholePicture, MapChannelsRow{tones.tables()});
+  return filterPicture(picture, wholePicture, row);
 }
 
 }  // namespace qrz

@@ -42,16 +42,18 @@ struct Histogram {
 template <typename Path>
 int32_t countPixels(const PictureReader<Path>& reader, Counter* red, Counter* green,
                     Counter* blue) {
-  HistogramCounters counters[2] = {};
+  HistogramCounters counters[kHistograms] = {};
   uint32_t pixels = 0;
   for (int32_t y = 0; y < reader.height(); ++y) {
     QRZ_KERNEL_CALL(countRow<typename Path::Format>(counters, reader.row(y), reader.width()));
     pixels += static_cast<uint32_t>(reader.width());
   }
-  for (int32_t i = 0; i < 256; ++i) {
-    red[i] += counters[0].red[i] + counters[1].red[i];
-    green[i] += counters[0].green[i] + counters[1].green[i];
-    blue[i] += counters[0].blue[i] + counters[1].blue[i];
+  for (const HistogramCounters& counted : counters) {
+    for (int32_t i = 0; i < 256; ++i) {
+      red[i] += counted.red[i];
+      green[i] += counted.green[i];
+      blue[i] += counted.blue[i];
+    }
   }
   return static_cast<int32_t>(pixels);
 }

@@ -120,7 +120,7 @@ class PictureSearch {
   Position tell_{};
   int64_t compared_ = 0;
   /// Pixels that may be compared in vain before hashing pays.
-  int64_t affordable_ = static_cast<int64_t>(haystack_.width()) * haystack_.height() / 4;
+  int64_t affordable_ = 4096 + static_cast<int64_t>(haystack_.width()) * haystack_.height() / 4;
 };
 
 }  // namespace

@@ -15,7 +15,7 @@ struct SepiaRow {
 
   template <typename Format>
   void row(PixelWord* destination, int32_t count, const PixelWord* source) const {
-    QRZ_KERNEL_CALL(sepiaRow<Format>(destination, count, source, tone));
+    QRZ_ROW_KERNEL_CALL(count, sepiaRow<Format>(destination, count, source, tone));
   }
 };
 

@@ -4,11 +4,10 @@
 //   #define QRZ_KERNEL "plugin/kernels/invert.inc"
 //   #include "plugin/kernels/for_each_level.h"
 //
-// QRZ_KERNEL_CALL calls a kernel at the chosen level. A text holds functions only
-// and includes nothing; the vectors of its level (vectors.inc) are there. All of
-// it belongs to its level, so that nothing compiled for one can serve another;
-// what it calls per pixel from outside is marked QRZ_INLINE.
-// (No include guard: included once per kernel text.)
+// QRZ_KERNEL_CALL calls a kernel at the chosen level. A text holds functions and
+// what belongs to them, and includes nothing; the vectors of its level (vectors.inc) are there. All
+// of it belongs to its level, so that nothing compiled for one can serve another; what it calls per
+// pixel from outside is marked QRZ_INLINE. (No include guard: included once per kernel text.)
 
 #if defined(__clang__)
 #include <immintrin.h>
@@ -91,11 +90,15 @@ QRZ_END_LEVEL
 
 #undef QRZ_KERNEL
 
-/// Calls `kernel`, a name with its template arguments, at the chosen level.
+/// Calls a kernel, a name with its template arguments and arguments, at a level.
 #ifndef QRZ_KERNEL_CALL
-#define QRZ_KERNEL_CALL(...)                           \
-  (cpuLevel == CpuLevel::AVX512  ? avx512::__VA_ARGS__ \
-   : cpuLevel == CpuLevel::AVX2  ? avx2::__VA_ARGS__   \
-   : cpuLevel == CpuLevel::SSSE3 ? ssse3::__VA_ARGS__  \
-                                 : sse2::__VA_ARGS__)
+#define QRZ_KERNEL_CALL_AT(level, ...)                \
+  ((level) == CpuLevel::AVX512  ? avx512::__VA_ARGS__ \
+   : (level) == CpuLevel::AVX2  ? avx2::__VA_ARGS__   \
+   : (level) == CpuLevel::SSSE3 ? ssse3::__VA_ARGS__  \
+                                : sse2::__VA_ARGS__)
+/// At the chosen level.
+#define QRZ_KERNEL_CALL(...) QRZ_KERNEL_CALL_AT(cpuLevel, __VA_ARGS__)
+/// At the chosen level or the one for rows of so many pixels.
+#define QRZ_ROW_KERNEL_CALL(count, ...) QRZ_KERNEL_CALL_AT(cpuLevelFor(count), __VA_ARGS__)
 #endif

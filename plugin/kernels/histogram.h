@@ -5,9 +5,11 @@
 
 namespace qrz {
 
-/// One counter for every value of each channel. Neighbouring pixels are often
-/// alike, and adding to the same counter twice in a row waits for memory: even
-/// and odd pixels have counters of their own.
+/// Pixels that have counters of their own. Neighbours are often alike, and adding to
+/// the same counter twice in a row waits for memory.
+constexpr int32_t kHistograms = 4;
+
+/// One counter for every value of each channel.
 struct HistogramCounters {
   uint32_t red[256], green[256], blue[256];
 };

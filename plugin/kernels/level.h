@@ -17,6 +17,15 @@ enum class CpuLevel : int32_t {
 /// Chosen once, at the entry, before any kernel runs.
 inline CpuLevel cpuLevel = CpuLevel::SSE2;
 
+/// The level for rows of `count` pixels, which some kernels take four vectors at a
+/// time: shorter vectors are quicker than those that a row does not fill.
+inline CpuLevel cpuLevelFor(int32_t count) {
+  const CpuLevel fitting = count >= 64   ? CpuLevel::AVX512
+                           : count >= 32 ? CpuLevel::AVX2
+                                         : CpuLevel::SSSE3;
+  return cpuLevel < fitting ? cpuLevel : fitting;
+}
+
 /// The highest level that the processor has and the operating system has
 /// enabled, and not above the cap that the build may have set.
 CpuLevel detectCpuLevel();

@@ -57,7 +57,7 @@ struct WindowStep {
   uint32_t leavingFactor;
 };
 
-/// Whether a number below 2^48 is congruent to a remainder, as all bits or none.
+/// Whether a number below 2^62 is congruent to a remainder, as all bits or none.
 QRZ_INLINE uint32_t isWanted(uint64_t number, uint32_t remainder) {
   // Below twice the prime now.
   const auto folded = static_cast<uint32_t>(hashFold(number));

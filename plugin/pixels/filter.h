@@ -10,6 +10,7 @@
 // what the lower one is made of.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <utility>
@@ -116,8 +117,8 @@ constexpr int32_t kStreamedAtOnce = 1024;
 ///   operation.row<Format>(destination, count, source0, source1, …)
 ///
 /// with `count` pixels, of a row or of a part of it, at the same place of every
-/// picture. Sources and
-/// destination never overlap. Pixels outside the area are not written.
+/// picture. Sources and destination never overlap. Pixels outside the area are not
+/// written.
 template <typename Path, size_t Count, typename RowOperation>
 void filterRows(const std::array<PictureReader<Path>, Count>& readers,
                 const PictureWriter<Path>& writer, const Area& area,

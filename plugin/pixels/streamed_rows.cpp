@@ -11,7 +11,7 @@ namespace {
 
 struct Cache {
   uint32_t type = 0;  ///< 0 if there is none
-  int64_t bytes = 0;
+  uint64_t bytes = 0;
 };
 
 /// One of the caches that a leaf of cpuid lists.
@@ -21,15 +21,15 @@ Cache cacheAt(uint32_t leaf, uint32_t index) {
   uint32_t c = 0;
   uint32_t d = 0;
   if (__get_cpuid_count(leaf, index, &a, &b, &c, &d) == 0) return {};
-  const int64_t ways = (b >> 22) + 1;
-  const int64_t partitions = (b >> 12 & 0x3FF) + 1;
-  const int64_t lineBytes = (b & 0xFFF) + 1;
-  return {a & 0x1F, ways * partitions * lineBytes * (int64_t{c} + 1)};
+  const uint64_t ways = (b >> 22) + 1;
+  const uint64_t partitions = (b >> 12 & 0x3FF) + 1;
+  const uint64_t lineBytes = (b & 0xFFF) + 1;
+  return {a & 0x1F, ways * partitions * lineBytes * (uint64_t{c} + 1)};
 }
 
 /// Of the largest of them; 0 if it lists none.
-int64_t largestCacheBytes(uint32_t leaf) {
-  int64_t largest = 0;
+uint64_t largestCacheBytes(uint32_t leaf) {
+  uint64_t largest = 0;
   constexpr uint32_t kMost = 8;
   for (uint32_t i = 0; i < kMost; ++i) {
     const Cache cache = cacheAt(leaf, i);
@@ -49,8 +49,8 @@ int64_t detectCacheBytes() {
 #else
   constexpr uint32_t kIntelLeaf = 4;
   constexpr uint32_t kAmdLeaf = 0x8000001D;
-  const int64_t bytes = std::max(largestCacheBytes(kIntelLeaf), largestCacheBytes(kAmdLeaf));
-  return bytes != 0 ? bytes : INT64_MAX;
+  const uint64_t bytes = std::max(largestCacheBytes(kIntelLeaf), largestCacheBytes(kAmdLeaf));
+  return bytes != 0 && bytes <= INT64_MAX ? static_cast<int64_t>(bytes) : INT64_MAX;
 #endif
 }
 

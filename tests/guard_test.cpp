@@ -1,71 +1,69 @@
 // What the members that make pictures have in common: nil gives nil, and failing
 // hosts leave nothing behind; with rows at odd addresses and guard bytes around
-// them, they read and write their pixels and no byte besides.
+// them, they read and write their pixels and no byte besides; and descriptions may name
+// sizes that no picture has.
 
+#include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 
 #include "platform/standin/standin.h"
 #include "tests/support/checks.h"
-#include "tests/support/rectangle.h"
 
 namespace host {
 namespace {
 
-/// A member that makes a picture.
-struct MemberCall {
-  std::string declaration;
-  std::vector<Value> arguments;
-  bool isGlobal = false;
+constexpr const char* kToString = "PicturetoBinaryStringQRZ(p as picture) as string";
+constexpr const char* kFind =
+    "FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean";
 
-  Ref<Picture> on(const Ref<Picture>& self) const {
-    if (isGlobal) return pictureOf(PluginTest::call("", declaration, nullptr, arguments));
-    return PluginTest::filter(declaration, self, arguments);
+bool isPicture(const Type& type) { return sameName(type.name(), "Picture"); }
+
+/// Any value of a type, or this picture.
+Value anyOf(const Type& type, const Ref<Picture>& picture) {
+  if (isPicture(type)) return objectValue(picture);
+  switch (type.kind) {
+    case Type::Kind::Integer:
+      return 1;
+    case Type::Kind::Double:
+      return 0.5;
+    case Type::Kind::Object:
+      return objectValue(memoryBlock(std::vector<uint8_t>(256, 77)));
+    default:
+      return type.initialValue();
+  }
+}
+
+/// A member of pictures, or a global one that takes pictures, that makes a picture.
+struct PictureMaker {
+  const Member* member;
+  bool isGlobal;
+
+  [[nodiscard]] const std::string& text() const { return member->declaration.text; }
+  /// With this picture for each that it takes.
+  Ref<Picture> operator()(const Ref<Picture>& self, const Ref<Picture>& picture) const {
+    std::vector<Value> arguments;
+    for (const Parameter& parameter : member->declaration.parameters) {
+      arguments.push_back(anyOf(parameter.type, picture));
+    }
+    return pictureOf(member->call(isGlobal ? nullptr : self.get(), arguments));
   }
 };
 
-/// Each of them; wherever it takes a picture, it gets this one.
-std::vector<MemberCall> memberCalls(const Ref<Picture>& picture) {
-  const Value self = objectValue(picture);
-  const Value table = objectValue(memoryBlock(std::vector<uint8_t>(256, 77)));
-  const Color one{0x4C961D};
-  const Color two{0xFFE0B0};
-  const std::string rectangle = rectangleParameters + " as picture";
-  const std::string ofChannels = "(r as double, g as double, b as double) as picture";
-  return {
-      {"InvertQRZ as picture", {}},
-      {"InvertQRZ" + rectangle, {1, 1, -1, 2}},
-      {"InvertGrayQRZ as picture", {}},
-      {"InvertGrayQRZ" + rectangle, {1, 1, -1, 2}},
-      {"EmbeddedMaskQRZ(swap as boolean) as picture", {true}},
-      {"ExtractColorRectangleMaskQRZ as picture", {}},
-      {"ExtractColorRectangleMaskQRZ" + rectangle, {1, 1, -1, 2}},
-      {"ChangeBrightnessLinearQRZ(x as double) as picture", {0.5}},
-      {"ChangeBrightnessLinearQRZ" + ofChannels, {0.5, 1.0, 2.0}},
-      {"ChangeBrightnessAbsoluteQRZ(x as double) as picture", {0.5}},
-      {"ChangeBrightnessAbsoluteQRZ" + ofChannels, {0.5, 1.0, 2.0}},
-      {"ChangeContrastQRZ(x as double) as picture", {0.5}},
-      {"ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture", {0.5, 1.0, 2.0}},
-      {"ChangeCustomQRZ(a as double, b as double) as picture", {0.5, 1.0}},
-      {"ChangeSaturationQRZ(Amount as integer) as picture", {100}},
-      {"ReplaceRedChannelQRZ(RedChannel as picture) as picture", {self}},
-      {"ReplaceGreenChannelQRZ(GreenChannel as picture) as picture", {self}},
-      {"ReplaceBlueChannelQRZ(BlueChannel as picture) as picture", {self}},
-      {"TransformColorsQRZ(red as memoryblock, blue as memoryblock, green as memoryblock) as "
-       "picture",
-       {table, table, table}},
-      {"ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture", {one, two}},
-      {"ExtractColorQRZ(SearchColor as color, ReplaceWithColor as color, BackGroundColor as "
-       "color) as picture",
-       {one, two, one}},
-      {"CombinePicturesQRZ(red as picture, blue as picture, green as picture) as picture",
-       {self, self, self},
-       true},
-      {"MergePictureQRZ(source1 as picture, source2 as picture) as picture", {self, self}, true},
-      {"TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
-       {self, one, two},
-       true},
-  };
+std::vector<PictureMaker> pictureMakers() {
+  std::vector<PictureMaker> makers;
+  for (const Member& member : runtime().registry.findClass("Picture")->members) {
+    const auto& result = member.declaration.result;
+    if (member.isRegistered && result && isPicture(*result)) makers.push_back({&member, false});
+  }
+  for (const Member& member : runtime().registry.globals()) {
+    const auto& [text, name, parameters, result] = member.declaration;
+    if (!result || !isPicture(*result) || parameters.empty()) continue;
+    if (isPicture(parameters[0].type)) makers.push_back({&member, true});
+  }
+  EXPECT_GT(makers.size(), 20U);
+  return makers;
 }
 
 class MembersTest : public RepresentationTest {};
@@ -74,83 +72,33 @@ QRZ_ALL_REPRESENTATIONS(MembersTest);
 TEST_P(MembersTest, NilGivesNil) {
   const auto picture = randomPicture(5, 4);
   const Unchanged unchanged(picture);
-  for (const bool isGlobal : {false, true}) {
-    for (const MemberCall& member : memberCalls(isGlobal ? nullptr : picture)) {
-      if (member.isGlobal != isGlobal) continue;
-      EXPECT_FALSE(member.on(nullptr)) << member.declaration;
-    }
+  for (const PictureMaker& make : pictureMakers()) {
+    EXPECT_FALSE(make(nullptr, make.isGlobal ? nullptr : picture)) << make.text();
   }
 }
 
 TEST_P(MembersTest, FailingHostsLeaveNothing) {
   const auto picture = randomPicture(5, 4);
-  for (const MemberCall& member : memberCalls(picture)) {
-    SCOPED_TRACE(member.declaration);
+  for (const PictureMaker& make : pictureMakers()) {
+    SCOPED_TRACE(make.text());
     expectNothingLeftByFailures([&] {
       const Unchanged unchanged(picture);
-      member.on(picture);
+      make(picture, picture);
     });
-    EXPECT_TRUE(member.on(picture)) << "it works the next time";
+    EXPECT_TRUE(make(picture, picture)) << "it works the next time";
   }
 }
 
 // --- Rows at odd addresses --------------------------------------------------
 
 constexpr uint8_t kGuard = 0xA5;
-
-/// The bitmap record over one block; before, between and behind the rows lie
-/// guard bytes, so that rows start at odd addresses.
-class GuardedBitmap final : public PixelStore {
- public:
-  GuardedBitmap(int32_t width, int32_t height)
-      : stride_(4 * static_cast<size_t>(width) + 5),
-        bytes_(stride_ * static_cast<size_t>(height) + 9, kGuard),
-        rows_(static_cast<size_t>(height)) {
-    for (size_t y = 0; y < rows_.size(); ++y) rows_[y] = bytes_.data() + 9 + y * stride_;
-    record_.width = width;
-    record_.height = height;
-    record_.ready = 1;
-    record_.rowTable = rows_.data();
-  }
-  [[nodiscard]] int32_t type() const override { return qrz::kHostBitmap; }
-  [[nodiscard]] void* data() override { return &record_; }
-  [[nodiscard]] std::string name() const override { return "guarded bitmap"; }
-  [[nodiscard]] int32_t width() const override { return record_.width; }
-  [[nodiscard]] int32_t height() const override { return record_.height; }
-  void read(const Run& run, uint32_t* words) const override {
-    memcpy(words, address(run), 4 * static_cast<size_t>(run.count));
-  }
-  void write(const Run& run, const uint32_t* words) override {
-    memcpy(address(run), words, 4 * static_cast<size_t>(run.count));
-  }
-
-  [[nodiscard]] bool isIntact() const {
-    std::vector<uint8_t> copy = bytes_;
-    for (uint8_t* row : rows_) {
-      const auto offset = static_cast<size_t>(row - bytes_.data());
-      memset(copy.data() + offset, kGuard, 4 * static_cast<size_t>(record_.width));
-    }
-    return copy == std::vector<uint8_t>(copy.size(), kGuard);
-  }
-
- private:
-  [[nodiscard]] uint8_t* address(const Run& run) const {
-    return rows_[static_cast<size_t>(run.y)] + 4 * run.x;
-  }
-
-  size_t stride_;
-  std::vector<uint8_t> bytes_;
-  std::vector<uint8_t*> rows_;
-  qrz::HostBitmap record_{};
-};
-
-Ref<Picture> guardedBitmap(int32_t width, int32_t height) {
-  return makeObject<Picture>(std::make_unique<GuardedBitmap>(width, height));
-}
+/// Guard bytes in front of each row and behind it.
+constexpr int32_t kFront = 3;
+constexpr int32_t kBack = 4;
 
 /// A GWorld whose rows are an odd number of bytes apart.
 Ref<Picture> guardedGWorld(int32_t width, int32_t height) {
-  const int32_t rowBytes = 4 * width + 7;
+  const int32_t rowBytes = kFront + 4 * width + kBack;
   const auto size = static_cast<size_t>(rowBytes) * static_cast<size_t>(height);
   auto* base = static_cast<uint8_t*>(malloc(size));
   memset(base, kGuard, size);
@@ -158,18 +106,36 @@ Ref<Picture> guardedGWorld(int32_t width, int32_t height) {
   return makeObject<Picture>(gworldStore(world, true));
 }
 
-bool isIntact(const Picture& picture) {
-  if (const auto* bitmap = dynamic_cast<const GuardedBitmap*>(&picture.store())) {
-    return bitmap->isIntact();
+/// A bitmap record whose rows start at odd addresses.
+Ref<Picture> guardedBitmap(int32_t width, int32_t height) {
+  auto picture = Picture::create(Storage::Bitmap, width + 2, height);
+  qrz::HostBitmap& bitmap = bitmapOf(picture);
+  bitmap.width = width;
+  for (int32_t y = 0; y < height; ++y) {
+    memset(bitmap.rowTable[y], kGuard, static_cast<size_t>(kFront + 4 * width + kBack));
+    bitmap.rowTable[y] += kFront;
   }
-  auto& store = const_cast<PixelStore&>(picture.store());
-  const standin::Pixels pixels = standin::pixelsOf(static_cast<GWorldPtr>(store.data()));
-  for (int32_t y = 0; y < pixels.height; ++y) {
-    for (int32_t i = 4 * pixels.width; i < pixels.rowBytes; ++i) {
-      if (pixels.base[y * pixels.rowBytes + i] != kGuard) return false;
+  return picture;
+}
+
+bool areGuards(const uint8_t* bytes, int32_t count) {
+  return std::all_of(bytes, bytes + count, [](uint8_t byte) { return byte == kGuard; });
+}
+
+bool isIntact(const Ref<Picture>& picture) {
+  const int32_t type = picture->store().type();
+  bool result = true;
+  for (int32_t y = 0; y < picture->height(); ++y) {
+    if (type == qrz::kHostBitmap) {
+      const uint8_t* row = bitmapOf(picture).rowTable[y];
+      result &= areGuards(row - kFront, kFront) && areGuards(row + 4 * picture->width(), kBack);
+    } else if (type == qrz::kGWorld) {
+      const auto pixels = standin::pixelsOf(static_cast<GWorldPtr>(picture->store().data()));
+      const uint8_t* row = pixels.base + y * pixels.rowBytes;
+      result &= areGuards(row + 4 * picture->width(), kFront + kBack);
     }
   }
-  return true;
+  return result;
 }
 
 struct Maker {
@@ -201,83 +167,147 @@ INSTANTIATE_TEST_SUITE_P(All, GuardTest,
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(GuardTest, OnlyThePixelsAreWritten) {
-  std::vector<std::pair<const char*, Value>> instances;
-  for (const char* name : {"PictureLut3DQRZ", "PictureSepiaQRZ"}) {
-    const Class* type = runtime().registry.findClass(name);
-    instances.emplace_back(name, type->constructors.front().call(nullptr, {}));
-  }
-  for (int32_t width = 1; width <= 70; ++width) {
-    const auto picture = source(width, 4);
-    const auto before = picture->pixels();
-    for (const MemberCall& member : memberCalls(picture)) {
-      const auto result = member.on(picture);
-      ASSERT_TRUE(result);
-      EXPECT_TRUE(isIntact(*result)) << member.declaration << " of width " << width;
-    }
-    for (const auto& [name, instance] : instances) {
-      Object* object = objectOf(instance);
-      assign(name, "SourcePicture as Picture", object, {}, objectValue(picture));
-      EXPECT_EQ(call(name, "Run as boolean", object), Value{true});
-      const auto result = pictureOf(call(name, "DestinationPicture as Picture", object));
-      EXPECT_TRUE(isIntact(*result)) << name << " of width " << width;
-    }
-    const auto inverted = mappedPixels(*picture, [](uint32_t rgb) { return 0x00FFFFFF - rgb; });
-    EXPECT_TRUE(samePixels(*filter("InvertQRZ as picture", picture), inverted));
-    EXPECT_TRUE(isIntact(*picture));
-    EXPECT_TRUE(samePixels(*picture, before));
-  }
-}
-
-TEST_P(GuardTest, OnlyThePadsAreAssigned) {
-  for (int32_t width = 1; width <= 70; ++width) {
-    const auto picture = source(width, 3);
-    const auto mask = source(width, 3);
-    const auto levels = mask->pixels();
-    auto expected = picture->pixels();
-    for (size_t i = 0; i < expected.size(); ++i) {
-      expected[i] = (expected[i] & 0xFFFFFF) | (levels[i] & 0xFF0000) << 8;
-    }
-    assign("Picture", "EmbeddedMaskQRZ(swap as boolean) as picture", picture.get(), {false},
-           objectValue(mask));
-    EXPECT_TRUE(samePixels(*picture, expected));
-    EXPECT_TRUE(isIntact(*picture)) << width;
-  }
-}
-
-TEST_P(GuardTest, RowsAtOddAddressesAreReadAsOthers) {
-  const auto results = [](const Ref<Picture>& picture, const Ref<Picture>& part) {
-    std::vector<Value> found = {objectValue(part), 0, 0};
-    const Value color = Color{picture->pixel(0, 0)};
-    return std::vector<Value>{
-        call("", "PicturetoBinaryStringQRZ(p as picture) as string", nullptr,
-             {objectValue(picture)}),
-        call("Picture", "CountColorQRZ(col as color) as integer", picture.get(), {color}),
-        call("Picture", "isBlackQRZ as boolean", picture.get()),
-        callByRef("Picture",
-                  "FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean",
-                  picture.get(), found),
-        found[1],
-        found[2]};
+  const auto picture = source(37, 4);
+  const auto before = picture->pixels();
+  const auto expectIntact = [](const Ref<Picture>& result, const std::string& made) {
+    ASSERT_TRUE(result) << made;
+    EXPECT_TRUE(isIntact(result)) << made;
   };
-  for (int32_t width = 1; width <= 70; ++width) {
-    const auto odd = source(width, 3);
-    const auto oddPart = GetParam().make((width + 1) / 2, 2);
-    drawPicture(*oddPart, *odd, {0, 0, (width + 1) / 2, 2, width / 2, 1, (width + 1) / 2, 2});
-    const auto storage = odd->store().type() == qrz::kGWorld ? Storage::GWorld : Storage::Bitmap;
-    const auto even = Picture::create(storage, width, 3);
-    even->setPixels(odd->pixels());
-    const auto evenPart = Picture::create(storage, oddPart->width(), 2);
-    evenPart->setPixels(oddPart->pixels());
-    const auto expected = results(even, evenPart);
-    EXPECT_EQ(std::get<bool>(expected[3]), true);
-    EXPECT_EQ(std::get<int32_t>(expected[5]), 1);
-    EXPECT_TRUE(results(odd, oddPart) == expected) << width;
-    const Value back =
-        call("", "BinaryStringtoPictureQRZ(data as String) as Picture", nullptr, {expected[0]});
-    EXPECT_TRUE(isIntact(*objectAs<Picture>(back))) << width;
-    EXPECT_EQ(call("", "PicturetoBinaryStringQRZ(p as picture) as string", nullptr, {back}),
-              expected[0]);
+  for (const PictureMaker& make : pictureMakers())
+    expectIntact(make(picture, picture), make.text());
+  for (const std::string name : {"PictureLut3DQRZ", "PictureSepiaQRZ"}) {
+    const Value instance =
+        runtime().registry.findClass(name)->constructors.front().call(nullptr, {});
+    assign(name, "SourcePicture as Picture", objectOf(instance), {}, objectValue(picture));
+    EXPECT_EQ(call(name, "Run as boolean", objectOf(instance)), Value{true});
+    expectIntact(pictureOf(call(name, "DestinationPicture as Picture", objectOf(instance))), name);
   }
+  const auto inverted = mappedPixels(*picture, [](uint32_t rgb) { return 0x00FFFFFF - rgb; });
+  EXPECT_TRUE(samePixels(*filter("InvertQRZ as picture", picture), inverted));
+  EXPECT_TRUE(samePixels(*picture, before));
+  EXPECT_TRUE(isIntact(picture));
+
+  const auto mask = source(37, 4);
+  assign("Picture", "EmbeddedMaskQRZ(swap as boolean) as picture", picture.get(), {false},
+         objectValue(mask));
+  const auto levels = mask->pixels();
+  auto expected = before;
+  for (size_t i = 0; i < expected.size(); ++i) {
+    expected[i] = (expected[i] & 0xFFFFFF) | (levels[i] & 0xFF0000) << 8;
+  }
+  EXPECT_TRUE(samePixels(*picture, expected));
+  EXPECT_TRUE(isIntact(picture));
+}
+
+TEST_P(GuardTest, RowsAtOddAddressesAreRead) {
+  const auto picture = source(37, 4);
+  const auto part = GetParam().make(9, 2);
+  drawPicture(*part, *picture, {0, 0, 9, 2, 28, 2, 9, 2});
+  std::vector<Value> found = {objectValue(part), 0, 0};
+  callByRef("Picture", kFind, picture.get(), found);
+  EXPECT_EQ(found[1], Value{28});
+  EXPECT_EQ(found[2], Value{2});
+  const auto count = call("Picture", "CountColorQRZ(col as color) as integer", picture.get(),
+                          {Color{picture->pixel(36, 3)}});
+  EXPECT_EQ(count, Value{1});
+  const Value text = call("", kToString, nullptr, {objectValue(picture)});
+  const auto back =
+      pictureOf(call("", "BinaryStringtoPictureQRZ(data as String) as Picture", nullptr, {text}));
+  EXPECT_TRUE(samePixels(*back, colorsOf(*picture)));
+  EXPECT_TRUE(isIntact(back));
+  picture->fill(0, 0, 37, 4, 0);
+  EXPECT_EQ(call("Picture", "isBlackQRZ as boolean", picture.get()), Value{true});
+}
+
+// --- Sizes that no picture has -----------------------------------------------
+
+const std::string scrollParameters =
+    "(delta as integer, wrap as boolean, scrollmask as boolean) as boolean";
+
+using LockDescription = uint32_t (*)(void* picture, qrz::PictureDescription* description);
+
+LockDescription lockDescription = nullptr;
+Picture* liar = nullptr;
+int32_t claimedWidth = 0;
+int32_t claimedHeight = 0;
+
+/// The host's own service, but for one picture.
+uint32_t lockWithClaimedSize(void* picture, qrz::PictureDescription* description) {
+  lockDescription(picture, description);
+  if (picture != liar) return 0;
+  description->width = claimedWidth;
+  description->height = claimedHeight;
+  return 0;
+}
+
+class SizeTest : public RepresentationTest {
+ protected:
+  void SetUp() override {
+    RepresentationTest::SetUp();
+    lockDescription = reinterpret_cast<LockDescription>(resolveService("lockPictureDescription"));
+    runtime().replacedServices["lockPictureDescription"] =
+        reinterpret_cast<void*>(lockWithClaimedSize);
+    picture = randomPicture(8, 4);
+    liar = picture.get();
+  }
+  void TearDown() override {
+    liar = nullptr;
+    picture = {};
+    RepresentationTest::TearDown();
+  }
+
+  Ref<Picture> picture;
+};
+QRZ_NATIVE_REPRESENTATIONS(SizeTest);
+
+TEST_P(SizeTest, BelowOneAreEmptyPictures) {
+  const auto pixels = picture->pixels();
+  const auto other = randomPicture(2, 2);
+  const std::pair<int32_t, int32_t> sizes[] = {
+      {-10, 1}, {-13, 1}, {1, -10}, {-5, -5}, {INT_MIN, INT_MIN},
+      {0, 4},   {8, 0},   {-1, 4},  {8, -1},  {INT_MIN, 1}};
+  for (const auto& [width, height] : sizes) {
+    SCOPED_TRACE(testing::Message() << width << " x " << height);
+    claimedWidth = width;
+    claimedHeight = height;
+    for (const PictureMaker& make : pictureMakers()) {
+      if (make.text().starts_with("PicHandle")) continue;  // which has a size of its own
+      EXPECT_FALSE(make(picture, picture)) << make.text();
+    }
+    EXPECT_EQ(call("Picture", "isWhiteQRZ as boolean", picture.get()), Value{true});
+    EXPECT_EQ(call("Picture", "CountColorQRZ(col as color) as integer", picture.get(), {Color{0}}),
+              Value{0});
+    const Value text = call("", kToString, nullptr, {objectValue(picture)});
+    EXPECT_EQ(std::get<std::string>(text).size(), 40U);
+    for (const auto& [haystack, pattern] : {std::pair{picture, other}, {other, picture}}) {
+      std::vector<Value> place = {objectValue(pattern), 7, 7};
+      EXPECT_EQ(callByRef("Picture", kFind, haystack.get(), place), Value{false});
+    }
+    std::vector<Value> counted = {Nil{}, Nil{}, Nil{}, 7};
+    callByRef("Picture",
+              "CountColorsQRZ(byref red as memoryblock, byref blue as memoryblock, byref green as "
+              "memoryblock, byref count as integer)",
+              picture.get(), counted);
+    EXPECT_EQ(counted[3], Value{0});
+    for (const std::string name : {"ScrollVerticalQRZ", "ScrollHorizontalQRZ"}) {
+      call("Picture", name + scrollParameters, picture.get(), {3, true, false});
+    }
+    EXPECT_TRUE(samePixels(*picture, pixels));
+    EXPECT_EQ(picture->locks(), 0);
+  }
+}
+
+TEST_P(SizeTest, RowsThatDoNotHoldTheirPixelsAreNotRotated) {
+  if (GetParam().sources != Storage::GWorld) return;
+  const auto pixels = picture->pixels();
+  claimedWidth = 1000;
+  claimedHeight = 4;
+  const auto scroll = [&](const std::string& name) {
+    return call("Picture", name + scrollParameters, picture.get(), {3, true, false});
+  };
+  EXPECT_EQ(scroll("ScrollHorizontalQRZ"), Value{true});
+  EXPECT_EQ(scroll("ScrollVerticalQRZ"), Value{false});
+  EXPECT_TRUE(samePixels(*picture, pixels));
 }
 
 }  // namespace

@@ -136,15 +136,6 @@ TEST_F(AccessorTest, BooleansOfTheHostAreOneByte) {
   EXPECT_FALSE(filter(kInvert, source));
 }
 
-TEST_F(AccessorTest, EveryNonZeroByteIsTrue) {
-  runtime().replacedServices["REALGetPropValueInt"] =
-      reinterpret_cast<void*>(+[](Object*, const char*, int32_t* value) {
-        *value = 4;
-        return 0x12345680;
-      });
-  EXPECT_TRUE(inverts(picture(Storage::GWorld, 24)));
-}
-
 TEST_F(AccessorTest, CopyThatCannotBeReadIsFreed) {
   runtime().settings.newPictures = Storage::Context;
   EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld, 24)));

@@ -21,14 +21,6 @@ struct ExpectedMethod {
   bool isAssignable = false;
 };
 
-/// A property whose field the host reaches itself, or one with functions.
-struct ExpectedProperty {
-  const char* name;
-  const char* type;
-  int32_t offset = kFunctions;
-  static constexpr int32_t kFunctions = -1;
-};
-
 // clang-format off
 const std::vector<ExpectedMethod> graphicsMethods = {
     {"StretchDIBitsQRZ(XDest as integer, YDest as integer, DestWidth as integer, DestHeight as integer, XSource as integer, YSource as integer, SourceWidth as integer, SourceHeight as integer, Bits as memoryblock, ImageWidth as integer, ImageHeight as integer, ImageBitCount as integer) as boolean", 0},
@@ -91,15 +83,16 @@ const std::vector<ExpectedMethod> lutMethods = {
 };
 const std::vector<ExpectedMethod> sepiaMethods = {{"Close", 0}, {"Run as boolean", 0}};
 
-const std::vector<ExpectedProperty> lutProperties = {
-    {"SourcePicture", "Picture", 0}, {"DestinationPicture", "Picture", 4},
-    {"MaxX", "Integer", 16}, {"MinX", "Integer", 8}, {"MaxY", "Integer", 20}, {"MinY", "Integer", 12},
+/// The fields that the host reaches itself, and what has functions.
+const std::vector<std::string> lutProperties = {
+    "SourcePicture as Picture at 0", "DestinationPicture as Picture at 4", "MaxX as Integer at 16",
+    "MinX as Integer at 8", "MaxY as Integer at 20", "MinY as Integer at 12",
 };
-const std::vector<ExpectedProperty> sepiaProperties = {
-    {"SourcePicture", "Picture", 0}, {"DestinationPicture", "Picture", 4},
-    {"MaxX", "Integer", 16}, {"MinX", "Integer", 8}, {"MaxY", "Integer", 20}, {"MinY", "Integer", 12},
-    {"SepiaRed", "Integer", 24}, {"SepiaGreen", "Integer", 28}, {"SepiaBlue", "Integer", 32},
-    {"FactorRed", "Double"}, {"FactorBlue", "Double"}, {"FactorGreen", "Double"},
+const std::vector<std::string> sepiaProperties = {
+    "SourcePicture as Picture at 0", "DestinationPicture as Picture at 4", "MaxX as Integer at 16",
+    "MinX as Integer at 8", "MaxY as Integer at 20", "MinY as Integer at 12",
+    "SepiaRed as Integer at 24", "SepiaGreen as Integer at 28", "SepiaBlue as Integer at 32",
+    "FactorRed as Double", "FactorBlue as Double", "FactorGreen as Double",
 };
 // clang-format on
 
@@ -170,21 +163,21 @@ class CatalogueTest : public RegistrationTest, public testing::WithParamInterfac
     }
   }
   static void expectProperties(const qrz::ClassRecord& record, uint32_t flags,
-                               const std::vector<ExpectedProperty>& expected) {
-    ASSERT_EQ(record.propertyCount, static_cast<int32_t>(expected.size()));
-    for (size_t i = 0; i < expected.size(); ++i) {
-      const qrz::PropertyRecord& property = record.properties[i];
-      const bool hasFunctions = expected[i].offset == ExpectedProperty::kFunctions;
-      EXPECT_EQ(property.reserved, nullptr);
-      EXPECT_STREQ(property.name, expected[i].name);
-      EXPECT_STREQ(property.type, expected[i].type);
-      EXPECT_EQ(property.flags, translated(flags)) << expected[i].name;
-      EXPECT_EQ(property.getter != QRZ_HOST_FIELD_ACCESS, hasFunctions) << expected[i].name;
-      EXPECT_EQ(property.setter != QRZ_HOST_FIELD_ACCESS, hasFunctions) << expected[i].name;
-      EXPECT_TRUE(property.getter != nullptr && property.setter != nullptr) << expected[i].name;
-      EXPECT_EQ(property.param, hasFunctions ? 0 : expected[i].offset) << expected[i].name;
-      EXPECT_EQ(property.unused[0] | property.unused[1] | property.unused[2], 0U);
+                               const std::vector<std::string>& expected) {
+    std::vector<std::string> properties;
+    for (int32_t i = 0; i < record.propertyCount; ++i) {
+      const auto& [reserved, name, type, itsFlags, getter, setter, param, unused] =
+          record.properties[i];
+      const bool isField = getter == QRZ_HOST_FIELD_ACCESS;
+      properties.push_back(name + std::string(" as ") + type +
+                           (isField ? " at " + std::to_string(param) : ""));
+      EXPECT_EQ(itsFlags, translated(flags)) << name;
+      EXPECT_EQ(setter == QRZ_HOST_FIELD_ACCESS, isField) << name;
+      EXPECT_TRUE(isField || param == 0) << name;
+      EXPECT_TRUE(getter != nullptr && setter != nullptr && reserved == nullptr) << name;
+      EXPECT_EQ(unused[0] | unused[1] | unused[2], 0U) << name;
     }
+    EXPECT_EQ(properties, expected);
   }
   static void expectClass(const qrz::ClassRecord& record, const char* name, int32_t dataSize,
                           uint32_t flags) {

@@ -78,28 +78,34 @@ class ScrollTest : public RepresentationTest {
 };
 QRZ_ALL_REPRESENTATIONS(ScrollTest);
 
-TEST_P(ScrollTest, AlongOneAxisInAllSizes) {
-  for (int32_t size = 1; size <= 70; ++size) {
-    const auto wide = randomPicture(size, 1 + size % 4);
-    const auto tall = randomPicture(1 + size % 4, size);
-    for (int i = 0; i < 8; ++i) {
+TEST_P(ScrollTest, AlongOneAxis) {
+  for (const int32_t size : {1, 2, 12, 60, 61}) {
+    const auto wide = randomPicture(size, 3);
+    const auto tall = randomPicture(3, size);
+    for (int i = 0; i < 40; ++i) {
       expectMoved(wide, Horizontal, randomDelta(size), i % 2 == 0);
       expectMoved(tall, Vertical, randomDelta(size), i % 2 == 0);
-      expectMoved(tall, Horizontal, randomDelta(size), i % 3 == 0);
-      expectMoved(wide, Vertical, randomDelta(size), i % 3 == 0);
     }
   }
 }
 
-TEST_P(ScrollTest, AlongBothAxes) {
+TEST_P(ScrollTest, AlongBothAxesWithAndWithoutTheMask) {
   for (int i = 0; i < 300; ++i) {
     const auto picture = randomPicture(3 + i % 20, 2 + i % 13);
+    picture->mask = randomPicture(9, 6);
     const bool wrap = i % 2 == 0;
+    const bool isMaskMoved = i % 3 == 0;
     const int32_t dx = randomDelta(picture->width());
     const int32_t dy = randomDelta(picture->height());
-    const auto expected = canMove(wrap) ? moved(*picture, dx, dy, wrap) : picture->pixels();
-    EXPECT_EQ(scrollBoth(picture, dx, dy, wrap), canMove(wrap) || dy == 0);
+    const auto after = [&](const Picture& source, bool moves) {
+      return moves && canMove(wrap) ? moved(source, dx, dy, wrap) : source.pixels();
+    };
+    const auto expected = after(*picture, true);
+    const auto expectedMask = after(*picture->mask, isMaskMoved);
+    EXPECT_EQ(scrollBoth(picture, dx, dy, wrap, isMaskMoved), canMove(wrap) || dy == 0);
     EXPECT_TRUE(samePixels(*picture, expected)) << "by " << dx << ", " << dy;
+    EXPECT_TRUE(samePixels(*picture->mask, expectedMask)) << "by " << dx << ", " << dy;
+    EXPECT_EQ(picture->mask->references(), 1);
   }
 }
 
@@ -112,24 +118,6 @@ TEST_P(ScrollTest, NilMovesLikeAPictureThatCannot) {
     EXPECT_TRUE(scroll(Vertical, nullptr, 0, wrap, mask));
     EXPECT_FALSE(scrollBoth(nullptr, 1, 1, wrap, mask));
     EXPECT_TRUE(scrollBoth(nullptr, 1, 0, wrap, mask));
-  }
-}
-
-TEST_P(ScrollTest, MaskMovesTheSameWay) {
-  for (const bool wrap : {false, true}) {
-    const auto picture = randomPicture(9, 6);
-    picture->mask = randomPicture(9, 6);
-    const auto after = [&](const Picture& source) {
-      return canMove(wrap) ? moved(source, 2, -1, wrap) : source.pixels();
-    };
-    const auto expected = after(*picture);
-    const auto expectedMask = after(*picture->mask);
-    EXPECT_EQ(scrollBoth(picture, 2, -1, wrap, true), canMove(wrap));
-    EXPECT_TRUE(samePixels(*picture, expected));
-    EXPECT_TRUE(samePixels(*picture->mask, expectedMask));
-    EXPECT_EQ(picture->mask->references(), 1);
-    EXPECT_TRUE(scrollBoth(picture, 2, 0, wrap, false));
-    EXPECT_TRUE(samePixels(*picture->mask, expectedMask)) << "the mask is asked to stay";
   }
 }
 
@@ -201,19 +189,6 @@ TEST_F(GWorldScrollTest, BytesBehindTheRowsStayOrMoveWithThem) {
       EXPECT_TRUE(scroll(Vertical, picture, delta, true));
       EXPECT_EQ(bytesOf(picture), expected) << "by " << delta;
     }
-  }
-}
-
-TEST_F(GWorldScrollTest, EmptyPicturesStayAsTheyAre) {
-  for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {0, 0}}) {
-    const auto picture = randomWorld(width, height, 32, 20);
-    const Axis axis = width == 0 ? Horizontal : Vertical;
-    const auto before = bytesOf(picture);
-    for (const int32_t delta : {1, -3, INT_MIN, INT_MAX}) {
-      EXPECT_TRUE(scroll(axis, picture, delta, true));
-    }
-    EXPECT_EQ(bytesOf(picture), before);
-    EXPECT_EQ(picture->references(), 1);
   }
 }
 

@@ -1,12 +1,11 @@
 #include "tests/support/checks.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <deque>
 #include <limits>
 #include <map>
-#include <stdexcept>
+
+#include "tests/support/guarded_row.h"
 
 namespace host {
 
@@ -133,22 +132,15 @@ Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes) {
 
 namespace {
 
-/// A copy that ends with a page; the page after it cannot be accessed. It stays
-/// until the process ends.
-uint8_t* guardedCopy(const std::vector<uint8_t>& bytes) {
-  const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-  const size_t size = (bytes.size() + page - 1) / page * page;
-  void* pages =
-      mmap(nullptr, size + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (pages == MAP_FAILED) throw std::runtime_error("no memory for guarded bytes");
-  auto* end = static_cast<uint8_t*>(pages) + size;
-  mprotect(end, page, PROT_NONE);
-  return std::copy_backward(bytes.begin(), bytes.end(), end);
-}
-
+/// A copy that ends where memory ends. It stays until the process ends.
 void* guardedBytes(MemoryBlock* block) {
   if (!runtime().called("memoryBlockGetPtr") || block->bytes.empty()) return nullptr;
-  return guardedCopy(block->bytes);
+  static std::deque<GuardedRow> copies;
+  GuardedRow& copy = copies.emplace_back(block->bytes.size());
+  copy.place(block->bytes.size(), 0, 1, 0);
+  uint8_t* bytes = copy;
+  std::copy(block->bytes.begin(), block->bytes.end(), bytes);
+  return bytes;
 }
 
 }  // namespace

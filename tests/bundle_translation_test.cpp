@@ -21,30 +21,38 @@ Elf32_Shdr sectionOf(const Bytes& image, uint32_t type) {
   throw std::logic_error("the image has no such section");
 }
 
-void changeSegment(Bytes& image, uint32_t type, const std::function<void(Elf32_Phdr&)>& work) {
-  const auto header = recordAt<Elf32_Ehdr>(image, 0);
-  for (size_t i = 0; i < header.e_phnum; ++i) {
-    change<Elf32_Phdr>(image, header.e_phoff + i * sizeof(Elf32_Phdr), [&](Elf32_Phdr& segment) {
-      if (segment.p_type == type) work(segment);
-    });
-  }
+using Damage = std::function<void(Bytes&)>;
+
+/// Changes the segments of a type.
+Damage segment(uint32_t type, const std::function<void(Elf32_Phdr&)>& work) {
+  return [=](Bytes& image) {
+    const auto header = recordAt<Elf32_Ehdr>(image, 0);
+    for (size_t i = 0; i < header.e_phnum; ++i) {
+      change<Elf32_Phdr>(image, header.e_phoff + i * sizeof(Elf32_Phdr), [&](Elf32_Phdr& it) {
+        if (it.p_type == type) work(it);
+      });
+    }
+  };
 }
 
-void changeRelocation(Bytes& image, const std::function<void(Elf32_Rel&)>& work) {
-  change<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset, work);
+/// Changes the first relocation.
+Damage relocation(const std::function<void(Elf32_Rel&)>& work) {
+  return [=](Bytes& image) { change<Elf32_Rel>(image, sectionOf(image, SHT_REL).sh_offset, work); };
 }
 
-void changeDynamicEntry(Bytes& image, int32_t tag, const std::function<void(Elf32_Dyn&)>& work) {
-  size_t at = sectionOf(image, SHT_DYNAMIC).sh_offset;
-  while (recordAt<Elf32_Dyn>(image, at).d_tag != tag) at += sizeof(Elf32_Dyn);
-  change<Elf32_Dyn>(image, at, work);
+Damage dynamicEntry(int32_t tag, const std::function<void(Elf32_Dyn&)>& work) {
+  return [=](Bytes& image) {
+    size_t at = sectionOf(image, SHT_DYNAMIC).sh_offset;
+    while (recordAt<Elf32_Dyn>(image, at).d_tag != tag) at += sizeof(Elf32_Dyn);
+    change<Elf32_Dyn>(image, at, work);
+  };
 }
 
 /// Puts another entry in the place of one that means nothing here.
-void addDynamicEntry(Bytes& image, int32_t tag, uint32_t value = 0) {
-  changeDynamicEntry(image, DT_SYMBOLIC, [&](Elf32_Dyn& entry) {
-    entry.d_tag = tag;
-    entry.d_un.d_val = value;
+Damage addedEntry(int32_t tag, uint32_t value = 0) {
+  return dynamicEntry(DT_SYMBOLIC, [=](Elf32_Dyn& it) {
+    it.d_tag = tag;
+    it.d_un.d_val = value;
   });
 }
 
@@ -67,32 +75,27 @@ size_t dataAt(const Bytes& image, uint32_t address) {
   return address - dynamic.sh_addr + dynamic.sh_offset;
 }
 
-void rename(Bytes& image, const std::string& from, const std::string& to) {
-  std::ranges::copy(to, image.begin() + static_cast<ptrdiff_t>(offsetOf(image, from)));
+Damage renamed(const std::string& from, const std::string& to) {
+  return [=](Bytes& image) {
+    std::ranges::copy(to, image.begin() + static_cast<ptrdiff_t>(offsetOf(image, from)));
+  };
 }
 
-struct Refusal {
-  const char* reason;  ///< a part of what is said
-  std::function<void(Bytes&)> damage;
-};
-
 TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
-  const Refusal refusals[] = {
+  const struct {
+    const char* reason;  ///< a part of what is said
+    Damage damage;
+  } refusals[] = {
       {"relocation of the unknown type 2 at 0x",
-       [](Bytes& image) {
-         changeRelocation(image, [](Elf32_Rel& each) { each.r_info = R_386_PC32; });
-       }},
+       relocation([](auto& it) { it.r_info = R_386_PC32; })},
       {"relocation outside its data at 0x",
        [](Bytes& image) {
          const uint32_t code = recordAt<Elf32_Sym>(image, entrySymbolAt(image)).st_value;
-         changeRelocation(image, [code](Elf32_Rel& each) { each.r_offset = code; });
+         relocation([code](auto& it) { it.r_offset = code; })(image);
        }},
-      {"has two relocations at 0x",
-       [](Bytes& image) { changeRelocation(image, [](Elf32_Rel& each) { each.r_offset += 4; }); }},
+      {"has two relocations at 0x", relocation([](auto& it) { it.r_offset += 4; })},
       {"has a relocation of no symbol",
-       [](Bytes& image) {
-         changeRelocation(image, [](Elf32_Rel& each) { each.r_info = 0xFFFFF << 8 | R_386_32; });
-       }},
+       relocation([](auto& it) { it.r_info = 0xFFFFF << 8 | R_386_32; })},
       {"has a relocation to 0xFFF00000, which is nowhere,",
        [](Bytes& image) {
          // The first one is of the first word of the data.
@@ -100,51 +103,28 @@ TEST(BundleTranslation, RefusesByNameWhatItDoesNotKnow) {
          change<uint32_t>(image, dataAt(image, first.r_offset),
                           [](uint32_t& word) { word = 0xFFF00000; });
        }},
+      {"has relocations elsewhere than in its sections", addedEntry(DT_PLTRELSZ, 8)},
       {"has relocations elsewhere than in its sections",
-       [](Bytes& image) { addDynamicEntry(image, DT_PLTRELSZ, 8); }},
-      {"has relocations elsewhere than in its sections",
-       [](Bytes& image) {
-         changeDynamicEntry(image, DT_REL, [](Elf32_Dyn& entry) { entry.d_un.d_ptr += 8; });
-       }},
-      {"has relocations in its code (DT_TEXTREL)",
-       [](Bytes& image) { addDynamicEntry(image, DT_TEXTREL); }},
-      {"runs code when it is loaded (DT_INIT)",
-       [](Bytes& image) { addDynamicEntry(image, DT_INIT_ARRAY); }},
-      {"runs code when it is unloaded (DT_FINI)",
-       [](Bytes& image) { addDynamicEntry(image, DT_FINI); }},
-      {"needs a library: ", [](Bytes& image) { addDynamicEntry(image, DT_NEEDED, 1); }},
-      {"unknown dynamic entry 0x24", [](Bytes& image) { addDynamicEntry(image, 36); }},  // DT_RELR
-      {"unknown flags (DT_FLAGS 0x10)",
-       [](Bytes& image) { addDynamicEntry(image, DT_FLAGS, DF_STATIC_TLS); }},
-      {"(PT_GNU_RELRO)",
-       [](Bytes& image) {
-         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_type = PT_GNU_RELRO; });
-       }},
-      {"(PT_TLS)",
-       [](Bytes& image) {
-         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_type = PT_TLS; });
-       }},
-      {"stack that can be executed",
-       [](Bytes& image) {
-         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_flags |= PF_X; });
-       }},
+       dynamicEntry(DT_REL, [](auto& it) { it.d_un.d_ptr += 8; })},
+      {"has relocations in its code (DT_TEXTREL)", addedEntry(DT_TEXTREL)},
+      {"runs code when it is loaded (DT_INIT)", addedEntry(DT_INIT_ARRAY)},
+      {"runs code when it is unloaded (DT_FINI)", addedEntry(DT_FINI)},
+      {"needs a library: ", addedEntry(DT_NEEDED, 1)},
+      {"unknown dynamic entry 0x24", addedEntry(36)},  // DT_RELR
+      {"unknown flags (DT_FLAGS 0x10)", addedEntry(DT_FLAGS, DF_STATIC_TLS)},
+      {"(PT_GNU_RELRO)", segment(PT_GNU_STACK, [](auto& it) { it.p_type = PT_GNU_RELRO; })},
+      {"(PT_TLS)", segment(PT_GNU_STACK, [](auto& it) { it.p_type = PT_TLS; })},
+      {"stack that can be executed", segment(PT_GNU_STACK, [](auto& it) { it.p_flags |= PF_X; })},
       {"more segments than one of code and one of data",
-       [](Bytes& image) {
-         changeSegment(image, PT_GNU_STACK, [](Elf32_Phdr& it) { it.p_type = PT_LOAD; });
-       }},
+       segment(PT_GNU_STACK, [](auto& it) { it.p_type = PT_LOAD; })},
       {"code that can be changed",
-       [](Bytes& image) {
-         changeSegment(image, PT_LOAD, [](Elf32_Phdr& it) { it.p_flags = PF_R | PF_W | PF_X; });
-       }},
+       segment(PT_LOAD, [](auto& it) { it.p_flags = PF_R | PF_W | PF_X; })},
       {"section that no segment loads: ",
-       [](Bytes& image) {
-         changeSegment(image, PT_LOAD, [](Elf32_Phdr& it) { it.p_offset += 0x1000; });
-       }},
-      {"exports REALPluginMaim",
-       [](Bytes& image) { rename(image, "REALPluginMain", "REALPluginMaim"); }},
+       segment(PT_LOAD, [](auto& it) { it.p_offset += 0x1000; })},
+      {"exports REALPluginMaim", renamed("REALPluginMain", "REALPluginMaim")},
       {"imports calloc_, which is on no list",
-       [](Bytes& image) { rename(image, "GetHandleSize", std::string("calloc_\0", 8)); }},
-      {"unknown section .dato", [](Bytes& image) { rename(image, ".data", ".dato"); }},
+       renamed("GetHandleSize", std::string("calloc_\0", 8))},
+      {"unknown section .dato", renamed(".data", ".dato")},
       {"section that no segment loads: ",
        [](Bytes& image) { change<Elf32_Ehdr>(image, 0, [](Elf32_Ehdr& it) { it.e_phnum = 0; }); }},
       {"no shared ELF image for i386", [](Bytes& image) { image[EI_CLASS] = ELFCLASS64; }},
@@ -169,10 +149,10 @@ TEST(BundleTranslation, AddressOfTheImagesOwnSymbol) {
   Bytes image = smallImage();
   const auto entry = recordAt<Elf32_Sym>(image, entrySymbolAt(image));
   uint32_t place = 0;
-  changeRelocation(image, [&](Elf32_Rel& each) {
-    place = each.r_offset;
-    each.r_info = ELF32_R_INFO(entrySymbol(image), R_386_32);
-  });
+  relocation([&](Elf32_Rel& it) {
+    place = it.r_offset;
+    it.r_info = ELF32_R_INFO(entrySymbol(image), R_386_32);
+  })(image);
   change<uint32_t>(image, dataAt(image, place), [](uint32_t& word) { word = 8; });
   EXPECT_EQ(recordAt<uint32_t>(bundleOf(image), place), entry.st_value + 8);
 }

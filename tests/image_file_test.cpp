@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "host/files/file_bytes.h"
 #include "tests/support/command.h"
 #include "tests/support/pict.h"
 
@@ -113,7 +114,7 @@ TEST_F(ImageFile, WritesJpegCloseToThePictureAndWithoutAlpha) {
 TEST_F(ImageFile, EncodesTheSamePngInMemoryAndOnDisk) {
   const Image image = testImage(9, 4, true);
   writeImage(path("a.png"), image);
-  EXPECT_EQ(encodePng(image), fileBytes(path("a.png")));
+  EXPECT_EQ(encodePng(image), readFile(path("a.png")));
   EXPECT_THROW(encodePng(Image{}), ImageError);
 }
 
@@ -190,7 +191,7 @@ TEST_F(ImageFile, ReadsOneFrameOfGifWithAndWithoutTransparency) {
 TEST_F(ImageFile, DamagedPicturesAreRefusedOrRead) {
   for (const std::string name : {"a.png", "a.jpg", "a.bmp", "a.tga"}) {
     writeImage(path(name), testImage(6, 5, true));
-    Bytes bytes = fileBytes(path(name));
+    Bytes bytes = readFile(path(name));
     for (size_t length = 0; length < bytes.size(); ++length) {
       const Bytes cut(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(length));
       EXPECT_NE(readError(store("cut", cut)), "") << name << ' ' << length;
@@ -242,7 +243,7 @@ TEST_F(ImageFile, KeepsTheOldFileWhenTheDiskIsFull) {
   setrlimit(RLIMIT_FSIZE, &limit);
   std::signal(SIGXFSZ, before);
   EXPECT_EQ(error, "cannot be written: File too large; choose another folder or make room");
-  EXPECT_EQ(fileBytes(path("a.bmp")), (Bytes{'o', 'l', 'd'}));
+  EXPECT_EQ(readFile(path("a.bmp")), (Bytes{'o', 'l', 'd'}));
   EXPECT_EQ(fileCount(), 1);
 }
 

@@ -83,11 +83,6 @@ Bytes joined(const std::vector<Bytes>& parts) {
   return all;
 }
 
-Bytes fileBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(file), {});
-}
-
 Words drawn(const Bytes& data, int32_t width, int32_t height) {
   Words words(static_cast<size_t>(width * height), 0x00FFFFFF);
   const auto exact = std::make_unique<uint8_t[]>(data.size());  // nothing lies behind it

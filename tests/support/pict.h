@@ -35,9 +35,6 @@ Ref<Picture> pictureOver(PicHandle data);
 Bytes hex(std::string_view text);
 Bytes joined(const std::vector<Bytes>& parts);
 
-/// All bytes of a file; none if it cannot be read.
-Bytes fileBytes(const std::string& path);
-
 /// What PICT data draws on a white canvas.
 Words drawn(const Bytes& data, int32_t width, int32_t height);
 

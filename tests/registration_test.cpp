@@ -267,6 +267,20 @@ TEST_F(RegistrationTest, HostWithoutAVersionGetsTheOldFlags) {
   EXPECT_EQ(member("Picture", "InvertQRZ as picture").flags, 0x40000U);
 }
 
+/// What the host cannot take is not given back.
+TEST_F(RegistrationTest, ReferencesThatWereNotAddedAreNotDropped) {
+  loadPlugin(pluginPath());
+  runtime().replacedServices["REALLockObject"] = nullptr;
+  const auto picture = Picture::create(Storage::GWorld, 3, 3);
+  EXPECT_TRUE(filter("InvertQRZ as picture", picture));
+  EXPECT_EQ(picture->references(), 1);
+  call("Picture", "CountColorQRZ(col as color) as integer", picture.get(), {Color{0}});
+  EXPECT_EQ(picture->references(), 1);
+  const auto pict = filter("PicHandleQRZ as picture", picture);
+  EXPECT_FALSE(filter("PicHandleQRZ as picture", pict)) << "it would be one reference short";
+  EXPECT_EQ(pict->references(), 1);
+}
+
 /// Fails every look-up.
 bool knowsNothing(const char* event) { return !std::string_view(event).starts_with("resolve "); }
 

@@ -27,11 +27,14 @@ class HostService<Result(Arguments...)> {
   constexpr explicit HostService(const char* name) : name_(name) {}
 
   Result operator()(Arguments... arguments) {
-    if (address_ == nullptr) {
-      address_ = resolver != nullptr ? resolver(name_) : nullptr;
-      if (address_ == nullptr) return Result();
-    }
-    return call(address_, arguments...);
+    return isThere() ? call(address_, arguments...) : Result();
+  }
+
+  /// Whether the host has the service: for what must only be given back if it was
+  /// taken.
+  bool isThere() {
+    if (address_ == nullptr && resolver != nullptr) address_ = resolver(name_);
+    return address_ != nullptr;
   }
 
   /// Calls the service at an address that the caller found.

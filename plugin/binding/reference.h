@@ -16,8 +16,10 @@ class Reference {
   Reference& operator=(const Reference&) = delete;
   ~Reference() { drop(); }
 
-  /// Adds a reference of its own to `handle`. Holds none before.
+  /// Adds a reference of its own to `handle`; one that the host could not add is not
+  /// dropped either. Holds none before.
   void share(Handle handle) {
+    isCounted_ = service::REALLockObject.isThere();
     service::REALLockObject(asObject(handle));
     handle_ = handle;
   }
@@ -30,7 +32,8 @@ class Reference {
     return handle;
   }
   void drop() {
-    if (handle_ != nullptr) service::REALUnlockObject(asObject(release()));
+    Handle handle = release();
+    if (handle != nullptr && isCounted_) service::REALUnlockObject(asObject(handle));
   }
 
   Handle get() const { return handle_; }
@@ -38,6 +41,7 @@ class Reference {
 
  private:
   Handle handle_ = nullptr;
+  bool isCounted_ = true;
 };
 
 }  // namespace qrz

@@ -279,6 +279,8 @@ TEST_F(RegistrationTest, ReferencesThatWereNotAddedAreNotDropped) {
   const auto pict = filter("PicHandleQRZ as picture", picture);
   EXPECT_FALSE(filter("PicHandleQRZ as picture", pict)) << "it would be one reference short";
   EXPECT_EQ(pict->references(), 1);
+  EXPECT_FALSE(filter("InvertQRZ as picture", Picture::create(Storage::GWorld, 3, 3, 16)))
+      << "the copy to read from would be gone";
 }
 
 /// Fails every look-up.

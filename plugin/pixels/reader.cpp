@@ -37,8 +37,10 @@ bool PictureReader<GWorldPath>::open(HostPicture picture) {
   const int32_t width = GetWidthProperty(asObject(picture));
   const int32_t height = GetHeightProperty(asObject(picture));
   const Reference<HostPicture> copy{MakeCopy32(picture, width, height)};
-  // Drawing the copy may have run programs that settled the latch.
+  // Drawing the copy may have run programs that settled the latch. The copy lives on by
+  // the reader's reference to it.
   if (!copy || readerLatch == RepresentationLatch::RowTablePath) return false;
+  if (!service::REALLockObject.isThere()) return false;
   return openInPlace(copy.get()) == Outcome::Open;
 }
 

@@ -283,6 +283,16 @@ TEST_F(RegistrationTest, ReferencesThatWereNotAddedAreNotDropped) {
       << "the copy to read from would be gone";
 }
 
+TEST_F(RegistrationTest, DescriptionsThatWereNotLockedAreNotUnlocked) {
+  loadPlugin(pluginPath());
+  runtime().replacedServices["lockPictureDescription"] = nullptr;
+  const auto picture = Picture::create(Storage::GWorld, 3, 3);
+  for (const char* member : {"InvertQRZ as picture", "PicHandleQRZ as picture"}) {
+    filter(member, picture);
+    EXPECT_TRUE(runtime().misuses().empty()) << member;
+  }
+}
+
 /// Fails every look-up.
 bool knowsNothing(const char* event) { return !std::string_view(event).starts_with("resolve "); }
 

@@ -14,9 +14,11 @@ class DescriptionLock {
   ~DescriptionLock() { unlock(); }
 
   /// Locks whatever representation the picture has. `picture` is not null. A
-  /// host without the service leaves the description cleared, of type 0.
+  /// host without the service leaves the description cleared, of type 0, and nothing
+  /// locked.
   const PictureDescription& lock(HostPicture picture) {
     description_ = {};
+    if (!service::lockPictureDescription.isThere()) return description_;
     picture_ = picture;
     service::lockPictureDescription(picture, &description_);
     return description_;

@@ -293,6 +293,14 @@ TEST_F(RegistrationTest, DescriptionsThatWereNotLockedAreNotUnlocked) {
   }
 }
 
+TEST_F(RegistrationTest, ExceptionsThatCannotBeRaisedAreNotMade) {
+  loadPlugin(pluginPath());
+  runtime().replacedServices["RuntimeRaiseException"] = nullptr;
+  const auto picture = Picture::create(Storage::GWorld, 3, 3);
+  EXPECT_FALSE(filter("ReplaceRedChannelQRZ(RedChannel as picture) as picture", picture, {Nil{}}));
+  EXPECT_EQ(Object::living().size(), 1U);
+}
+
 /// Fails every look-up.
 bool knowsNothing(const char* event) { return !std::string_view(event).starts_with("resolve "); }
 

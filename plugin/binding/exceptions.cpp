@@ -8,6 +8,7 @@
 namespace qrz {
 
 void RaiseHostException(const char* className, const char* message) {
+  if (!service::RuntimeRaiseException.isThere()) return;
   HostObject exception = service::PluginNewInstance(className);
   if (exception == nullptr) return;
   HostString text = nullptr;

@@ -183,13 +183,15 @@ TEST_P(UnusableBitmapTest, SettlesTheReaderAllTheSame) {
 
 // --- New pictures that cannot be written -------------------------------------
 
-/// A bitmap context of another pixel size, or without pixels.
+/// A bitmap context of another pixel size, or without pixels or distance of rows.
 class OddContext final : public PixelStore {
  public:
-  OddContext(int32_t width, int32_t height, size_t component, size_t pixel, bool hasData)
+  OddContext(int32_t width, int32_t height, size_t component, size_t pixel, bool hasData,
+             bool hasRows)
       : bytes_(static_cast<size_t>(width) * static_cast<size_t>(height) * 8),
         context_(standin::newBitmapContext(hasData ? bytes_.data() : nullptr,
-                                           static_cast<size_t>(width) * 8, component, pixel)),
+                                           hasRows ? static_cast<size_t>(width) * 8 : 0, component,
+                                           pixel)),
         width_(width),
         height_(height) {}
   ~OddContext() override { standin::disposeBitmapContext(context_); }
@@ -208,18 +210,20 @@ class OddContext final : public PixelStore {
   int32_t height_;
 };
 
-template <size_t Component, size_t Pixel, bool HasData>
+template <size_t Component, size_t Pixel, bool HasData, bool HasRows>
 Object* newOddContext(int32_t width, int32_t height, int32_t /*depth*/) {
-  return makeObject<Picture>(std::make_unique<OddContext>(width, height, Component, Pixel, HasData))
-      .detach();
+  auto store = std::make_unique<OddContext>(width, height, Component, Pixel, HasData, HasRows);
+  return makeObject<Picture>(std::move(store)).detach();
 }
 
 using NewPicture = Object* (*)(int32_t width, int32_t height, int32_t depth);
 
 class OddContextTest : public AccessorTest, public testing::WithParamInterface<NewPicture> {};
 INSTANTIATE_TEST_SUITE_P(All, OddContextTest,
-                         testing::Values(newOddContext<8, 24, true>, newOddContext<16, 32, true>,
-                                         newOddContext<8, 32, false>));
+                         testing::Values(newOddContext<8, 24, true, true>,
+                                         newOddContext<16, 32, true, true>,
+                                         newOddContext<8, 32, false, true>,
+                                         newOddContext<8, 32, true, false>));
 
 TEST_P(OddContextTest, IsReleased) {
   replaceNewPicture(GetParam());

@@ -5,13 +5,14 @@
 namespace qrz {
 namespace {
 
-/// The rows of a bitmap context; a null base if it is not of 32-bit pixels.
+/// The rows of a bitmap context; a null base if it is not of 32-bit pixels, or not
+/// valid.
 GWorldPath::Rows contextRows(CGContextRef context) {
   void* data = CGBitmapContextGetData(context);
   const size_t rowBytes = CGBitmapContextGetBytesPerRow(context);
   const size_t bitsPerComponent = CGBitmapContextGetBitsPerComponent(context);
   const size_t bitsPerPixel = CGBitmapContextGetBitsPerPixel(context);
-  if (bitsPerPixel != 32 || bitsPerComponent != 8) return {};
+  if (bitsPerPixel != 32 || bitsPerComponent != 8 || rowBytes == 0) return {};
   return {static_cast<uint8_t*>(data), static_cast<int32_t>(rowBytes)};
 }
 

@@ -223,10 +223,10 @@ void tryToDraw(Picture& destination, const Picture& source, const Placement& pla
 
 void graphicsDrawPicture(void* graphicsHandle, void* pictureHandle, int32_t x, int32_t y, int32_t w,
                          int32_t h, int32_t sx, int32_t sy, int32_t sw, int32_t sh) {
-  called("DrawPicture");
+  const bool works = called("DrawPicture");
   auto* graphics = checked<Graphics>(graphicsHandle, "DrawPicture");
   auto* picture = checked<Picture>(pictureHandle, "DrawPicture");
-  if (graphics == nullptr || picture == nullptr) return;
+  if (graphics == nullptr || picture == nullptr || !works) return;
   tryToDraw(graphics->picture(), *picture, {x, y, w, h, sx, sy, sw, sh});
 }
 
@@ -247,9 +247,9 @@ void graphicsDrawLine(void* handle, int32_t x1, int32_t y1, int32_t x2, int32_t 
 
 /// Into the current port, if it has pixels, or into the open recording.
 void drawPrimitive(void* handle, const Rect* rect, int32_t /*zero*/) {
-  called("drawPicturePrimitive");
+  const bool works = called("drawPicturePrimitive");
   auto* picture = checked<Picture>(handle, "drawPicturePrimitive");
-  if (picture == nullptr) return;
+  if (picture == nullptr || !works) return;
   if (standin::isRecording()) return recordPicture(*picture, *rect);
   CGrafPtr port = nullptr;
   GDHandle device = nullptr;

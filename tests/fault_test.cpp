@@ -44,7 +44,7 @@ struct Case {
 Ref<Object> newInstance(std::string_view className, const Subject& subject) {
   const Class* found = runtime().registry.findClass(className);
   const Value made = found->constructors.front().call(nullptr, {});
-  const auto instance = Ref<Object>::share(objectOf(made));
+  auto instance = Ref<Object>::share(objectOf(made));
   for (const char* property : {"SourcePicture", "DestinationPicture"}) {
     memberOf(className, property).assign(instance.get(), {}, objectValue(subject.picture));
   }
@@ -387,7 +387,7 @@ std::vector<Outcome> outcomesFor(const Case& entry, const Representation& repres
   outcomes.push_back(failureOf(entry, representation));
   addBlanked(entry, representation, outcomes);
   if (entry.is("ReplaceRedChannelQRZ, nil")) {  // without a message
-    outcomes.push_back(Outcome("raised NilObjectException"));
+    outcomes.emplace_back("raised NilObjectException");
   }
   if (entry.is("RenderSamplesQRZ")) {  // of a block that seems to be empty
     Prepared silent(entry, representation);

@@ -57,6 +57,7 @@ void* fencedBlock(size_t size) {
 
 }  // namespace
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): reserved there
 extern "C" {
 
 void* malloc(size_t size) {
@@ -85,6 +86,7 @@ void* realloc(void* block, size_t size) {
 }
 
 }  // extern "C"
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 void host::fenceMemory() {
   void* pages =

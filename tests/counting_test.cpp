@@ -176,20 +176,6 @@ TEST_P(CountingTest, WithoutAllBlocksNothingIsCounted) {
   }
 }
 
-TEST_P(CountingTest, FailingCallsLeaveNothingBehind) {
-  const auto picture = randomPicture(7, 4);
-  expectNothingLeftByFailures([&] {
-    const Unchanged unchanged(picture);
-    const int32_t count = countColor(picture, picture->pixel(0, 0));
-    EXPECT_GE(count, 0);
-    std::vector<Value> blocks = {Nil{}, block({}), Nil{}};
-    const int32_t counted = countColors(picture, blocks);
-    EXPECT_TRUE(counted == -1 || counted == 28);
-    Histogram sums = counters(blocks[1]);
-    EXPECT_EQ(std::accumulate(sums.begin(), sums.end(), 0U), counted == 28 ? 28U : 0U);
-  });
-}
-
 // --- Which lock or reader is taken -------------------------------------------
 
 class CountingCallsTest : public PluginTest {

@@ -127,18 +127,6 @@ TEST_P(BinaryStringTest, HeadersMustNotLieAndNeedNotBeWhole) {
   EXPECT_TRUE(isNewPicture(picture, 1, {0x524742}));
 }
 
-TEST_P(BinaryStringTest, FailingCallsLeaveNothingBehind) {
-  const auto picture = randomPicture(4, 3);
-  const std::string text = BinaryString{4, 3, colorBytes(picture->pixels())}.text();
-  expectNothingLeftByFailures([&] {
-    const Unchanged unchanged(picture);
-    const std::string made = toString(picture);
-    EXPECT_TRUE(made.empty() || made.size() == text.size());
-    fromString(text);
-  });
-  EXPECT_EQ(toString(picture), text);
-}
-
 class ExchangeTest : public PluginTest {};
 
 int32_t encodingSet;
@@ -201,21 +189,6 @@ TEST_F(ExchangeTest, DataMakesAPicture) {
   EXPECT_EQ(fromPicHandleData(pictData)->width(), 5);
   EXPECT_EQ(callsDuring([] { EXPECT_TRUE(fromPicHandleData("")); }),
             (Calls{"PtrToHand", "REALBuildPictureFromPicHandle"}));
-}
-
-TEST_F(ExchangeTest, FailingCallsLeaveNothingBehind) {
-  const auto pict = pictOf(pictData);
-  const auto world = Picture::create(Storage::GWorld, 3, 3);
-  expectNothingLeftByFailures([&] {
-    const Unchanged unchanged[] = {Unchanged(pict), Unchanged(world)};
-    picHandle(pict);
-    picHandle(world);
-    picHandleData(pict);
-    picHandleData(world);
-    fromPicHandleData(pictData);
-    EXPECT_EQ(standin::counts().handleLocks, 0);
-    EXPECT_EQ(standin::counts().handles, 1);
-  });
 }
 
 class RecordedTest : public RepresentationTest {};

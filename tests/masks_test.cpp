@@ -96,17 +96,6 @@ TEST_P(EmbeddedMaskTest, NilAssignsNothing) {
             Calls{});
 }
 
-TEST_P(EmbeddedMaskTest, FailingCallsLeaveNothingBehind) {
-  const auto picture = randomPicture(6, 4);
-  const auto mask = randomPicture(6, 4);
-  expectNothingLeftByFailures([&] {
-    const Unchanged unchanged(mask);
-    assign("Picture", kEmbedded, picture.get(), {false}, objectValue(mask));
-    EXPECT_EQ(picture->references(), 1);
-    EXPECT_EQ(picture->locks(), 0);
-  });
-}
-
 class EmbeddedMaskCallsTest : public PluginTest {};
 
 TEST_F(EmbeddedMaskCallsTest, ReadAndAssigned) {

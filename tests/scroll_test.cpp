@@ -121,17 +121,6 @@ TEST_P(ScrollTest, NilMovesLikeAPictureThatCannot) {
   }
 }
 
-TEST_P(ScrollTest, FailingCallsLeaveNothingBehind) {
-  const auto picture = randomPicture(5, 4);
-  picture->mask = randomPicture(5, 4);
-  expectNothingLeftByFailures([&] {
-    for (const bool wrap : {false, true}) scrollBoth(picture, 1, 1, wrap, true);
-    EXPECT_EQ(picture->references() + picture->mask->references(), 2);
-    EXPECT_EQ(picture->locks() + picture->mask->locks(), 0);
-    EXPECT_EQ(standin::counts().pixelLocks + standin::counts().regions, 0);
-  });
-}
-
 // --- Single GWorlds ----------------------------------------------------------
 
 /// A GWorld of random bytes, those behind the last pixel of a row included.

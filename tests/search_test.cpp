@@ -129,21 +129,6 @@ TEST_P(SearchTest, WholeTooLargeAndNil) {
   EXPECT_EQ(find(nullptr, haystack), kNothing);
 }
 
-TEST_P(SearchTest, FailingCallsFindNothing) {
-  const auto haystack = fewColors(6, 5, 4);
-  const auto pattern = cutOut(*haystack, 4, 3, 2, 2);
-  const Found expected = findNaively(*haystack, *pattern);
-  expectNothingLeftByFailures([&] {
-    const Unchanged unchanged[] = {Unchanged(haystack), Unchanged(pattern)};
-    const Found result = find(haystack, pattern);
-    // Copies that could not be drawn are white.
-    if (!result.found || GetParam().sources == Storage::Bitmap) {
-      EXPECT_TRUE(result == kNothing || result == expected);
-    }
-  });
-  EXPECT_EQ(find(haystack, pattern), expected);
-}
-
 // --- Which readers are opened ------------------------------------------------
 
 class SearchCallsTest : public PluginTest {

@@ -573,6 +573,17 @@ TEST(Faults, EachMemberIsCalled) {
   }
 }
 
+TEST(Faults, PicturesWithoutMemoryLeaveNothing) {
+  for (const Storage storage : {Storage::GWorld, Storage::Context, Storage::Bitmap}) {
+    for (int32_t number = 1; number < 20; ++number) {  // it takes fewer
+      failAllocation(number);
+      Picture::create(storage, 3, 3);
+      failAllocation(0);
+      EXPECT_EQ(runtime().findLeaks(), std::vector<std::string>{}) << "allocation " << number;
+    }
+  }
+}
+
 class Environment : public testing::Environment {
  public:
   void SetUp() override {

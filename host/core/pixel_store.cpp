@@ -102,8 +102,8 @@ SharedWorld shareWorld(GWorldPtr world, bool owned) {
 
 class GWorldStore final : public PixelStore {
  public:
-  GWorldStore(GWorldPtr world, bool owned)
-      : world_(world), owner_(shareWorld(world, owned)), pixels_(standin::pixelsOf(world)) {}
+  GWorldStore(GWorldPtr world, SharedWorld owner)
+      : world_(world), owner_(std::move(owner)), pixels_(standin::pixelsOf(world)) {}
 
   [[nodiscard]] int32_t type() const override { return qrz::kGWorld; }
   [[nodiscard]] void* data() override { return world_; }
@@ -138,19 +138,23 @@ class GWorldStore final : public PixelStore {
   standin::Pixels pixels_;
 };
 
+struct ContextDeleter {
+  void operator()(CGContextRef context) const { standin::disposeBitmapContext(context); }
+};
+using OwnedContext = std::unique_ptr<std::remove_pointer_t<CGContextRef>, ContextDeleter>;
+
 class ContextStore final : public PixelStore {
  public:
-  ContextStore(StoreBlock bytes, CGContextRef context, int32_t width, int32_t height,
+  ContextStore(StoreBlock bytes, OwnedContext context, int32_t width, int32_t height,
                int32_t rowBytes)
       : bytes_(std::move(bytes)),
-        context_(context),
+        context_(std::move(context)),
         width_(width),
         height_(height),
         rowBytes_(rowBytes) {}
-  ~ContextStore() override { standin::disposeBitmapContext(context_); }
 
   [[nodiscard]] int32_t type() const override { return qrz::kBitmapContext; }
-  [[nodiscard]] void* data() override { return context_; }
+  [[nodiscard]] void* data() override { return context_.get(); }
   [[nodiscard]] std::string name() const override { return "bitmap context"; }
   [[nodiscard]] int32_t width() const override { return width_; }
   [[nodiscard]] int32_t height() const override { return height_; }
@@ -176,7 +180,7 @@ class ContextStore final : public PixelStore {
   }
 
   StoreBlock bytes_;
-  CGContextRef context_;
+  OwnedContext context_;
   int32_t width_;
   int32_t height_;
   int32_t rowBytes_;
@@ -220,10 +224,11 @@ class BitmapStore final : public PixelStore {
 
 std::unique_ptr<PixelStore> newContextStore(StoreBlock bytes, int32_t width, int32_t height,
                                             int32_t rowBytes) {
-  CGContextRef context =
-      standin::newBitmapContext(bytes.get(), static_cast<size_t>(rowBytes), 8, 32);
+  OwnedContext context(
+      standin::newBitmapContext(bytes.get(), static_cast<size_t>(rowBytes), 8, 32));
   if (context == nullptr) return nullptr;
-  return std::make_unique<ContextStore>(std::move(bytes), context, width, height, rowBytes);
+  return std::make_unique<ContextStore>(std::move(bytes), std::move(context), width, height,
+                                        rowBytes);
 }
 
 std::unique_ptr<PixelStore> newGWorldStore(StoreBlock bytes, int32_t width, int32_t height,
@@ -269,7 +274,8 @@ std::unique_ptr<PixelStore> newPixelStore(Storage storage, int32_t width, int32_
 }
 
 std::unique_ptr<PixelStore> gworldStore(GWorldPtr world, bool owned) {
-  return std::make_unique<GWorldStore>(world, owned);
+  SharedWorld owner = shareWorld(world, owned);  // disposes of the world without memory
+  return std::make_unique<GWorldStore>(world, std::move(owner));
 }
 
 }  // namespace host

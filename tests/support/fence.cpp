@@ -3,6 +3,7 @@
 #ifdef __SANITIZE_ADDRESS__
 
 void host::fenceMemory() {}
+void host::failAllocation(int32_t /*number*/) {}
 
 #else
 
@@ -29,6 +30,7 @@ constexpr size_t kPages = 16384;
 
 char* arena = nullptr;  // null: no fences
 size_t usedPages = 0;
+int32_t untilFailure = 0;
 size_t sizes[kPages];  // of the blocks, at their first page
 
 bool isFenced(const void* block) {
@@ -61,6 +63,7 @@ void* fencedBlock(size_t size) {
 extern "C" {
 
 void* malloc(size_t size) {
+  if (untilFailure > 0 && --untilFailure == 0) return nullptr;
   void* block = fencedBlock(size);
   return block != nullptr ? block : __libc_malloc(size);
 }
@@ -87,6 +90,8 @@ void* realloc(void* block, size_t size) {
 
 }  // extern "C"
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
+
+void host::failAllocation(int32_t number) { untilFailure = number; }
 
 void host::fenceMemory() {
   void* pages =

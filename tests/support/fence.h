@@ -1,6 +1,8 @@
 // Memory between pages that cannot be accessed.
 #pragma once
 
+#include <cstdint>
+
 namespace host {
 
 /// From now on every block of the C library's ends where an inaccessible page
@@ -8,5 +10,9 @@ namespace host {
 /// too late, ends the process. For processes of a few thousand blocks. The address
 /// sanitizer does the same by its own means; nothing changes under it.
 void fenceMemory();
+
+/// From now on the allocation of that number fails, counted from 1; 0: none. Never under
+/// the address sanitizer.
+void failAllocation(int32_t number);
 
 }  // namespace host

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <span>
 
 #include "host/bench/cases.h"
 #include "host/bench/members.h"
@@ -160,11 +161,40 @@ const Member& memberNamed(std::string_view name) {
 
 // --- Their subjects ----------------------------------------------------------
 
+/// Calls `work` with each row's bytes behind the pixels. None of PICT data.
+void forEachRowEnd(Picture& picture, const std::function<void(std::span<uint8_t>)>& work) {
+  void* data = picture.store().data();
+  const int32_t type = picture.store().type();
+  if (type == qrz::kPictData) return;
+  const auto stride = static_cast<size_t>(standin::rowBytesFor(picture.width(), picture.depth()));
+  uint8_t* base = nullptr;
+  if (type == qrz::kGWorld) base = standin::pixelsOf(static_cast<GWorldPtr>(data)).base;
+  if (type == qrz::kHostBitmap) base = static_cast<qrz::HostBitmap*>(data)->rowTable[0];
+  if (type == qrz::kBitmapContext) {
+    base = static_cast<uint8_t*>(CGBitmapContextGetData(static_cast<CGContextRef>(data)));
+  }
+  const auto used = static_cast<size_t>(picture.width() * (picture.depth() / 8));
+  for (int32_t y = 0; y < picture.height(); ++y, base += stride) {
+    work({base + used, base + stride});
+  }
+}
+
+/// They hold one value throughout. What lies around the rows is fenced.
+bool rowEndsAreIntact(Picture& picture) {
+  bool areIntact = true;
+  forEachRowEnd(picture, [&](std::span<uint8_t> bytes) {
+    areIntact &= std::ranges::count(bytes, bytes.back()) == std::ssize(bytes);
+  });
+  return areIntact;
+}
+
 Ref<Picture> newPicture(const Representation& representation, const std::vector<uint32_t>& words,
                         PictureSize size = kSize) {
   auto picture =
       Picture::create(representation.sources, size.width, size.height, representation.depth);
   picture->setPixels(words);
+  // New pictures have 0 there.
+  forEachRowEnd(*picture, [](std::span<uint8_t> bytes) { std::ranges::fill(bytes, 0xA5); });
   return picture;
 }
 
@@ -284,26 +314,6 @@ Value callMember(const Prepared& prepared, std::vector<Value>& arguments) {
   Value result = prepared.member.call(call.self.get(), arguments);
   if (prepared.member.isProperty) prepared.member.assign(call.self.get(), {}, result);
   return result;
-}
-
-/// What lies between the rows is still 0; what lies around them is fenced.
-bool rowEndsAreIntact(Picture& picture) {
-  void* data = picture.store().data();
-  const int32_t type = picture.store().type();
-  if (type == qrz::kPictData) return true;
-  const auto stride = static_cast<size_t>(standin::rowBytesFor(picture.width(), picture.depth()));
-  const uint8_t* base = nullptr;
-  if (type == qrz::kGWorld) base = standin::pixelsOf(static_cast<GWorldPtr>(data)).base;
-  if (type == qrz::kHostBitmap) base = static_cast<qrz::HostBitmap*>(data)->rowTable[0];
-  if (type == qrz::kBitmapContext) {
-    base = static_cast<uint8_t*>(CGBitmapContextGetData(static_cast<CGContextRef>(data)));
-  }
-  const auto used = static_cast<size_t>(picture.width() * (picture.depth() / 8));
-  for (int32_t y = 0; y < picture.height(); ++y, base += stride) {
-    if (std::any_of(base + used, base + stride, [](uint8_t byte) { return byte != 0; }))
-      return false;
-  }
-  return true;
 }
 
 /// Calls with faults. All that the call leaves behind is its outcome.

@@ -115,6 +115,7 @@ TEST_F(BenchTest, LevelIsTheOneThatRuns) {
   const std::pair<const char*, InstructionSet> plugins[] = {
       {"PictureQRZ.so", kHighestLevel},
       {"levels/PictureQRZ-sse2.so", InstructionSet::SSE2},
+      {"levels/PictureQRZ-ssse3.so", InstructionSet::SSSE3},
       {"levels/PictureQRZ-avx2.so", InstructionSet::AVX2},
   };
   for (const auto& [plugin, cap] : plugins) {

@@ -5,9 +5,10 @@
 //   #include "plugin/kernels/for_each_level.h"
 //
 // QRZ_KERNEL_CALL calls a kernel at the chosen level. A text holds functions and
-// what belongs to them, and includes nothing; the vectors of its level (vectors.inc) are there. All
-// of it belongs to its level, so that nothing compiled for one can serve another; what it calls per
-// pixel from outside is marked QRZ_INLINE. (No include guard: included once per kernel text.)
+// what belongs to them, and includes nothing; the vectors of its level
+// (vectors.inc) are there. All of it belongs to its level, so that nothing compiled
+// for one can serve another; what it calls per pixel from outside is marked
+// QRZ_INLINE. (No include guard: included once per kernel text.)
 
 #if defined(__clang__)
 #include <immintrin.h>
@@ -26,20 +27,17 @@
 #include "plugin/kernels/level.h"
 #include "plugin/pixels/format.h"
 
+// QRZ_UNROLL stands before a plain loop over pixels: four vectors at a time, which
+// GCC does not do of its own accord.
 #ifndef QRZ_BEGIN_LEVEL
 #define QRZ_PRAGMA(...) _Pragma(#__VA_ARGS__)
-/// Before a plain loop over pixels: four vectors at a time, which GCC does not do
-/// of its own accord.
 #if defined(__clang__)
 #define QRZ_UNROLL QRZ_PRAGMA(clang loop unroll_count(4))
-#else
-#define QRZ_UNROLL QRZ_PRAGMA(GCC unroll 4)
-#endif
-#if defined(__clang__)
 #define QRZ_BEGIN_LEVEL(targets) \
   QRZ_PRAGMA(clang attribute push(__attribute__((target(targets))), apply_to = function))
 #define QRZ_END_LEVEL QRZ_PRAGMA(clang attribute pop)
 #else
+#define QRZ_UNROLL QRZ_PRAGMA(GCC unroll 4)
 #define QRZ_BEGIN_LEVEL(targets) \
   QRZ_PRAGMA(GCC push_options) QRZ_PRAGMA(GCC target(targets ",fpmath=sse"))
 #define QRZ_END_LEVEL QRZ_PRAGMA(GCC pop_options)

@@ -155,6 +155,19 @@ TEST_F(AccessorTest, BitmapsAreRefusedOnceAGWorldWasRead) {
   EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap))); }), refuse);
 }
 
+TEST_F(AccessorTest, ProgramsMayRunWhileACopyIsDrawn) {
+  static Ref<Picture> bitmap;
+  bitmap = picture(Storage::Bitmap);
+  const auto source = picture(Storage::GWorld, 24);
+  runtime().setCallHook([](const char* call) {
+    if (std::string_view(call) == "DrawPicture") EXPECT_FALSE(filter(kInvert, bitmap));
+    return true;
+  });
+  EXPECT_FALSE(filter(kInvert, source)) << "the reader has settled on bitmaps meanwhile";
+  runtime().setCallHook(nullptr);
+  bitmap = {};
+}
+
 struct Flaw {
   const char* name;
   void (*apply)(qrz::HostBitmap&);

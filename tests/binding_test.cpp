@@ -10,13 +10,19 @@
 #include "host/core/runtime.h"
 #include "host/core/string_record.h"
 #include "plugin/binding/exceptions.h"
+#include "plugin/binding/properties.h"
 #include "plugin/binding/services.h"
 #include "plugin/binding/strings.h"
+#include "plugin/frame/catalogue.h"
+#include "plugin/frame/registration.h"
+#include "plugin/pixels/buffer.h"
 #include "plugin/pixels/copy.h"
 #include "plugin/pixels/host_bitmap.h"
 #include "plugin/pixels/writer.h"
 #include "tests/support/calls.h"
 #include "tests/support/plugin_test.h"
+
+extern "C" void REALPluginMain(qrz::HostResolver hostResolver);
 
 namespace host {
 namespace {
@@ -58,6 +64,8 @@ TEST_F(BindingTest, StringsKeepTheirBytesUnlessTheyAreWide) {
   EXPECT_EQ(made("", qrz::kASCII).bytes, "nil");
   EXPECT_EQ(qrz::MakeHostString(nullptr, 3, qrz::kASCII), nullptr);
   EXPECT_EQ(qrz::textOf(nullptr).length, 0);
+  uint32_t withoutBuffer[] = {1, 0, 1, 5};
+  EXPECT_EQ(qrz::textOf(reinterpret_cast<qrz::HostString>(&withoutBuffer)).length, 0);
 }
 
 TEST_F(BindingTest, FailedConversionFreesTheString) {
@@ -110,6 +118,28 @@ TEST_F(BindingTest, BooleansCrossAsOneByteBothWays) {
   runtime().replacedServices.clear();
 }
 
+TEST_F(BindingTest, NothingIsDoneWithNothing) {
+  EXPECT_EQ(qrz::GetWidthProperty(nullptr), 0);
+  qrz::resolver = nullptr;
+  EXPECT_EQ(qrz::HostService<int32_t()>{"REALenterMovies"}(), 0);
+  REALPluginMain(nullptr);
+  EXPECT_EQ(qrz::resolver, nullptr);
+  for (const int64_t count : {int64_t{-1}, int64_t{INT32_MAX} / 4 + 1, INT64_MAX}) {
+    EXPECT_FALSE(qrz::Buffer<uint32_t>(count)) << count;
+  }
+}
+
+TEST_F(BindingTest, OldFlagsBringTheirNewOnesAlong) {
+  uint32_t& flags = qrz::globalMethods().begin()->flags;
+  qrz::resolver = [](const char* /*name*/) -> void* { return nullptr; };
+  for (const auto& [version, expected] : {std::pair{2010.028, 0x80001U}, {2010.029, 0x80009U}}) {
+    flags = 0x80001;
+    qrz::HostVersion = version;
+    qrz::PluginEntry();
+    EXPECT_EQ(flags, expected) << version;
+  }
+}
+
 // --- Copies by row -----------------------------------------------------------
 
 Ref<Picture> striped(Storage storage, int32_t width, int32_t height, uint32_t seed) {
@@ -139,29 +169,68 @@ TEST_F(BindingTest, CopyRowsCopiesWholeBitmapsOnly) {
   EXPECT_FALSE(copyRows(destination, nullptr, whole));
   EXPECT_FALSE(copyRows(nullptr, source, whole));
   EXPECT_FALSE(copyRows(destination, striped(Storage::Bitmap, 5, 4, 1), whole));
+  EXPECT_FALSE(copyRows(destination, striped(Storage::Bitmap, 4, 3, 1), whole));
   EXPECT_FALSE(copyRows(destination, striped(Storage::GWorld, 5, 3, 1), whole));
   EXPECT_FALSE(copyRows(striped(Storage::GWorld, 5, 3, 1), source, whole));
-  const auto unusable = striped(Storage::Bitmap, 5, 3, 1);
-  static_cast<qrz::HostBitmap*>(unusable->store().data())->kind = 1;
-  EXPECT_FALSE(copyRows(destination, unusable, whole));
+  const auto odd = striped(Storage::Bitmap, 5, 3, 1);
+  qrz::HostBitmap& record = bitmapOf(odd);
+  const auto expectRefused = [&](auto& field, auto value) {
+    std::swap(field, value);
+    EXPECT_FALSE(copyRows(destination, odd, whole));
+    EXPECT_FALSE(copyRows(odd, source, whole));
+    std::swap(field, value);
+  };
+  expectRefused(record.kind, 1);
+  expectRefused(record.rowTable, static_cast<uint8_t**>(nullptr));
   EXPECT_EQ(destination->pixels(), before);
 
   EXPECT_TRUE(copyRows(destination, source, whole));
   EXPECT_EQ(destination->pixels(), source->pixels());
+  // What has no pixels is copied, too.
+  uint8_t* rows[] = {nullptr, record.rowTable[1], record.rowTable[2]};
+  uint8_t** table = record.rowTable;
+  record.rowTable = rows;
+  EXPECT_TRUE(copyRows(destination, odd, whole));
+  EXPECT_TRUE(copyRows(odd, destination, whole));
+  record.rowTable = table;
+  bitmapOf(destination).width = record.width = 0;
+  EXPECT_TRUE(copyRows(destination, odd, whole));
+  bitmapOf(destination).width = record.width = 5;
+
+  static const Picture* withoutData = nullptr;
+  runtime().replacedServices["REALLockPictureDescription"] = reinterpret_cast<void*>(
+      +[](Picture* picture, qrz::PictureDescription* description, int32_t /*type*/) -> uint32_t {
+        picture->lock(*description);
+        if (picture == withoutData) description->data = nullptr;
+        return 1;
+      });
+  for (const auto& picture : {odd, destination}) {
+    withoutData = picture.get();
+    EXPECT_FALSE(copyRows(destination, odd, whole));
+  }
+  runtime().replacedServices.clear();
 }
 
 TEST_F(BindingTest, DrawingFallsBackToCopyingRows) {
   const auto source = striped(Storage::Bitmap, 4, 4, 9);
   const auto destination = striped(Storage::Bitmap, 4, 4, 3);
   const auto graphics = makeObject<Graphics>(destination);
+  const auto draw = [&](const Ref<Graphics>& into, const Ref<Picture>& drawn) {
+    return qrz::DrawPictureInto(reinterpret_cast<qrz::HostGraphics>(into.get()),
+                                reinterpret_cast<qrz::HostPicture>(destination.get()),
+                                reinterpret_cast<qrz::HostPicture>(drawn.get()),
+                                {0, 0, 4, 4, 0, 0, 4, 4});
+  };
+  EXPECT_FALSE(draw(graphics, nullptr));
+  EXPECT_TRUE(draw(nullptr, source));
+  EXPECT_EQ(destination->pixels(), source->pixels());
+  destination->fill(0, 0, 4, 4, 0);
   runtime().replacedServices["REALLoadObjectMethod"] = nullptr;
   runtime().replacedServices["RuntimeGraphicsDrawPicture"] = nullptr;
-  EXPECT_TRUE(qrz::DrawPictureInto(reinterpret_cast<qrz::HostGraphics>(graphics.get()),
-                                   reinterpret_cast<qrz::HostPicture>(destination.get()),
-                                   reinterpret_cast<qrz::HostPicture>(source.get()),
-                                   {0, 0, 4, 4, 0, 0, 4, 4}));
+  EXPECT_TRUE(draw(graphics, source));
   EXPECT_EQ(destination->pixels(), source->pixels());
   runtime().replacedServices.clear();
+  EXPECT_EQ(qrz::MakeCopy32(nullptr, 4, 4), nullptr);
 }
 
 // --- New pictures ------------------------------------------------------------

@@ -232,6 +232,14 @@ TEST_P(BoxMaskTest, RandomPixelsBarsAndDiagonals) {
   }
 }
 
+TEST_P(BoxMaskTest, OnePixelBelowALongBar) {
+  const auto picture = emptyPicture(150, 4);
+  picture->fill(10, 0, 130, 1, 0xFF0000);
+  picture->fill(139, 1, 1, 1, 0xFF0000);
+  picture->fill(75, 2, 1, 1, 0xFF0000);
+  expectBoxed(picture);
+}
+
 // --- Shapes that take a careless search for ever ------------------------------
 
 /// A pixel and the picture's size.

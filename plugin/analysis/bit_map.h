@@ -53,9 +53,9 @@ class BitMap {
     }
   }
 
-  /// The first set column from x on, or `end` if there is none before it.
+  /// The first set column from x on, which lies before `end`, or `end` if there is
+  /// none. No column from `end` on is set.
   [[nodiscard]] int32_t next(int32_t y, int32_t x, int32_t end) const {
-    if (x >= end) return end;
     const uint32_t* words = row(y);
     int32_t i = x >> 5;
     uint32_t word = words[i] & from(x);
@@ -63,8 +63,7 @@ class BitMap {
       if (++i > (end - 1) >> 5) return end;
       word = words[i];
     }
-    const int32_t found = i * 32 + __builtin_ctz(word);
-    return found < end ? found : end;
+    return i * 32 + __builtin_ctz(word);
   }
 
   [[nodiscard]] const uint32_t* rowWords(int32_t y) const { return row(y); }

@@ -172,7 +172,7 @@ int32_t ScrollHorizontalQRZ(HostPicture picture, int32_t delta, HostBoolean wrap
 /// with the mask; the latter's result.
 int32_t ScrollQRZ(HostPicture picture, int32_t deltaX, int32_t deltaY, HostBoolean wrap,
                   HostBoolean scrollmask) {
-  if (ScrollHorizontalQRZ(picture, deltaX, wrap, scrollmask) == 0) return 0;
+  ScrollHorizontalQRZ(picture, deltaX, wrap, scrollmask);  // which never fails
   return ScrollVerticalQRZ(picture, deltaY, wrap, scrollmask);
 }
 

@@ -64,7 +64,7 @@ template <typename Path>
 void drawThinOutline(const PictureWriter<Path>& writer, const Waveform& waveform, int32_t height,
                      int32_t middle, HostColor color) {
   const auto plot = [&](LinePoint point, int32_t weighting) {
-    if (point.x < 0 || point.x >= waveform.width() || point.y < 0 || point.y >= height) return;
+    if (point.y < 0 || point.y >= height) return;
     PixelWord& pixel = writer.row(static_cast<int32_t>(point.y))[point.x];
     pixel = blend<typename Path::Format>(pixel, color, weighting);
   };

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/core/interrupt.h"
 #include "host/core/native_call.h"
 #include "host/core/runtime.h"
 #include "host/core/store_pool.h"
@@ -146,6 +147,7 @@ Measurement measure(const BenchCase& benchCase, const Member& member, const Subj
   std::vector<double> times;
   std::vector<double> copyTimes;
   for (Nanoseconds total(0); times.size() < kFewestRuns || total < kShortestTotal;) {
+    checkInterrupt();
     const Nanoseconds time = runs.run(calls);
     total += std::max(time * calls, kShortestRun / 2);
     times.push_back(time.count() / pixels);

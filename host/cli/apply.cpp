@@ -6,7 +6,9 @@
 #include "host/cli/commands.h"
 #include "host/cli/progress.h"
 #include "host/core/exception.h"
+#include "host/core/interrupt.h"
 #include "host/core/runtime.h"
+#include "host/files/file_fault.h"
 #include "host/files/image_file.h"
 #include "host/files/picture_io.h"
 #include "host/script/conversion.h"
@@ -46,7 +48,6 @@ struct Job {
 
 void applyToFile(Job& job, const std::string& input, const std::string& output) {
   Interpreter interpreter(runtime().registry, std::cout);
-  interpreter.setInterruptFlag(interruptFlag());
   interpreter.setVariable("self", objectValue(openPicture(input)));
   const Value result =
       interpreter.evaluate(job.expression, job.isOneOfMany ? input + ": expression" : "expression");
@@ -55,7 +56,7 @@ void applyToFile(Job& job, const std::string& input, const std::string& output) 
     throw Failure(kFailed, input + ": the result is nil, so there is no picture to write");
   }
   if (picture == nullptr) {
-    std::cout << input << ": " << textOf(result) << '\n';
+    std::cout << fileMessage(input, textOf(result)) << '\n';
     return;
   }
   if (output.empty()) {
@@ -67,13 +68,6 @@ void applyToFile(Job& job, const std::string& input, const std::string& output) 
   }
   savePicture(*picture, output);
   job.written.insert(output);
-}
-
-/// The message of an exception that no script caught.
-std::string messageOf(const RaisedException& raised) {
-  const auto* exception = dynamic_cast<const ExceptionObject*>(raised.instance.get());
-  return exception != nullptr && !exception->message.empty() ? exception->message
-                                                             : raised.instance->className();
 }
 
 /// The exit status for one file; says what went wrong.
@@ -88,11 +82,16 @@ int tryFile(Job& job, const std::string& input, const std::string& output, Progr
   } catch (const Failure& failure) {
     problem = failure.what();
     status = failure.status;
+  } catch (const ScriptError& error) {
+    progress.wipe();
+    complain(error);
+    return kFailed;
   } catch (const std::bad_alloc&) {
     problem = input + ": not enough memory";
   } catch (const std::exception& error) {
     problem = error.what();
   }
+  checkInterrupt();  // That may be all that was the matter.
   progress.wipe();
   complain(problem);
   return status;
@@ -102,6 +101,10 @@ int tryFile(Job& job, const std::string& input, const std::string& output, Progr
 
 int applyExpression(const std::string& expression, const std::vector<std::string>& files,
                     const std::string& output) {
+  if (expression.find_first_not_of(" \t\r\n") == std::string::npos) {
+    complain("qrz: the expression is empty; `qrz --help` shows the usage");
+    return kWrongUsage;
+  }
   std::error_code error;
   const bool intoFolder =
       files.size() > 1 || output.ends_with('/') || fs::is_directory(output, error);
@@ -126,7 +129,7 @@ int applyExpression(const std::string& expression, const std::vector<std::string
     const std::string target = outputFor(file, output, intoFolder && !output.empty());
     worst = std::max(worst, tryFile(job, file, target, progress));
     progress.advance();
-    if (*interruptFlag() != 0) return kFailed;
+    checkInterrupt();
   }
   return worst;
 }

@@ -11,6 +11,7 @@
 #include "host/cli/commands.h"
 #include "host/cli/progress.h"
 #include "host/core/exception.h"
+#include "host/core/interrupt.h"
 #include "host/files/file_bytes.h"
 #include "host/files/file_fault.h"
 #include "host/files/picture_limits.h"
@@ -141,7 +142,7 @@ int measureAll(const BenchOptions& options, const std::vector<BenchStep>& steps)
       std::cout << tableLine(*result, nameWidth) << std::endl;
       results.push_back(*result);
     }
-    if (*interruptFlag() != 0) return kFailed;
+    checkInterrupt();
     progress.advance();
   }
   progress.wipe();

@@ -1,16 +1,20 @@
 // The commands of qrz.
 #pragma once
 
-#include <csignal>
 #include <string>
 #include <vector>
 
+#include "host/script/script.h"
+
 namespace host {
 
-/// Exit statuses.
+/// Exit statuses. A process that was interrupted ends by the signal, which shells show as 128
+/// and the signal's number.
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
+
+// Every command throws Interrupted where it stops early.
 
 /// `qrz apply`: evaluates the expression with `self` as each picture file in
 /// turn. A picture is written to `output`: a file, or a folder if it is one or
@@ -42,7 +46,7 @@ int runBenchmark(const BenchOptions& options);
 /// One line on standard error.
 void complain(const std::string& line);
 
-/// Set by an interrupt from the keyboard; scripts end at their next statement.
-const volatile sig_atomic_t* interruptFlag();
+/// The line of a script's error, and the place.
+void complain(const ScriptError& error);
 
 }  // namespace host

@@ -1,6 +1,10 @@
 // qrz: uses the plug-in from a terminal.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -9,18 +13,28 @@
 #include <map>
 
 #include "host/cli/commands.h"
+#include "host/core/exception.h"
+#include "host/core/interrupt.h"
+#include "host/core/printable.h"
 #include "host/core/runtime.h"
 #include "host/loader/load_plugin.h"
 
 namespace host {
 namespace {
 
-volatile sig_atomic_t interrupted = 0;
+/// Files that are opened must not take the places of the standard streams. What is read there is
+/// empty, and writing fails.
+void occupyStandardStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) == -1) static_cast<void>(open("/dev/null", O_RDONLY));
+  }
+}
 
-void onInterrupt(int /*signal*/) {
-  interrupted = 1;
-  // A second interrupt ends the process, whatever it is doing.
-  std::signal(SIGINT, SIG_DFL);
+void prepareProcess() {
+  occupyStandardStreams();
+  std::signal(SIGPIPE, SIG_DFL);  // quietly, whatever the parent process does about it
+  std::signal(SIGXFSZ, SIG_IGN);  // too large a file is like a full disk
+  noteInterrupts();
 }
 
 /// The build of the plug-in beside this program.
@@ -48,14 +62,22 @@ void setPictures(const std::string& mode) {
   runtime().settings.newPictures = found->second;
 }
 
+void setVersion(double version) {
+  if (!std::isfinite(version) || version < 0) {
+    throw CLI::ValidationError("--host-version is a number such as 2010.029");
+  }
+  runtime().settings.version = version;
+}
+
 /// Adds the options that every command takes.
 void addGeneralOptions(CLI::App& app, CommandLine& line) {
   app.add_option("--plugin", line.plugin, "Another build of the plug-in, or its bundle")
       ->envname("QRZ_PLUGIN");
   app.add_option_function<std::string>("--pictures", setPictures,
                                        "What new pictures are: gworld, context or bitmap");
-  app.add_option("--host-version", runtime().settings.version,
-                 "The host's version as the plug-in sees it, for instance 2010.029");
+  app.add_option_function<double>(
+      "--host-version", setVersion,
+      "The host's version as the plug-in sees it, for instance 2010.029");
   app.add_flag("--check", line.check, "Fail if objects are still alive or locked at the end");
 }
 
@@ -65,7 +87,7 @@ std::string usageMessage(const CLI::App* app, const CLI::Error& error) {
   if (app->get_subcommands().empty() && problem.find("subcommand") != std::string::npos) {
     problem = "name a command: apply, run, members, gallery or bench";
   }
-  return "qrz: " + problem + "; `qrz --help` shows the usage\n";
+  return printable("qrz: " + problem + "; `qrz --help` shows the usage") + "\n";
 }
 
 int runCommand(const CLI::App& app, const CommandLine& line) {
@@ -116,6 +138,8 @@ int run(int argc, char** argv) {
   app.require_subcommand(1);
   app.fallthrough();
   app.failure_message(usageMessage);
+  app.footer(
+      "Exit status: 0 done, 1 failed, 2 wrong usage, 128 + n ended by signal n (130 by Ctrl-C).");
   addGeneralOptions(app, line);
   addCommands(app, line);
   try {
@@ -124,30 +148,48 @@ int run(int argc, char** argv) {
     return app.exit(error) == 0 ? kDone : kWrongUsage;
   }
   addBuiltInClasses(runtime().registry);
-  std::signal(SIGINT, onInterrupt);
   int status = runCommand(app, line);
   const bool printed = std::cout.flush() && fflush(stdout) == 0 && ferror(stdout) == 0;
-  if (!printed) complain("standard output cannot be written");
-  if (!printed && status == kDone) status = kFailed;
+  if (!printed && status == kDone && !isInterrupted()) {
+    complain("standard output cannot be written");
+    status = kFailed;
+  }
   const bool leaks = reportLeaks(line.check);
   return leaks && line.check && status == kDone ? kFailed : status;
 }
 
+/// The same, whatever is thrown.
+int runGuarded(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const Interrupted&) {
+    complain("qrz: interrupted");
+  } catch (const RaisedException& raised) {
+    complain("qrz: " + messageOf(raised));
+  } catch (const std::bad_alloc&) {
+    complain("qrz: not enough memory");
+  } catch (const ScriptError& error) {
+    complain(error);
+  } catch (const std::exception& error) {
+    complain(std::string("qrz: ") + error.what());
+  }
+  return kFailed;
+}
+
 }  // namespace
 
-void complain(const std::string& line) { std::cerr << line << '\n'; }
+void complain(const std::string& line) { std::cerr << printable(line) << '\n'; }
 
-const volatile sig_atomic_t* interruptFlag() { return &interrupted; }
+void complain(const ScriptError& error) { std::cerr << error.what() << '\n'; }
 
 }  // namespace host
 
 int main(int argc, char** argv) {
-  try {
-    return host::run(argc, argv);
-  } catch (const std::bad_alloc&) {
-    host::complain("qrz: not enough memory");
-  } catch (const std::exception& error) {
-    host::complain(std::string("qrz: ") + error.what());
+  host::prepareProcess();
+  const int status = host::runGuarded(argc, argv);
+  if (host::isInterrupted()) {
+    std::cout.flush();
+    host::endByInterrupt();
   }
-  return host::kFailed;
+  return status;
 }

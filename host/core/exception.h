@@ -24,6 +24,13 @@ struct RaisedException {
   Ref<Object> instance;
 };
 
+/// What is said of an exception that no script caught.
+inline std::string messageOf(const RaisedException& raised) {
+  const auto* exception = dynamic_cast<const ExceptionObject*>(raised.instance.get());
+  return exception != nullptr && !exception->message.empty() ? exception->message
+                                                             : raised.instance->className();
+}
+
 [[noreturn]] inline void raise(std::string className, std::string message) {
   throw RaisedException{makeObject<ExceptionObject>(std::move(className), std::move(message))};
 }

@@ -1,18 +1,20 @@
 #include "host/files/file_bytes.h"
 
 #include <fcntl.h>
+#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <utility>
 
+#include "host/core/interrupt.h"
 #include "host/files/file_fault.h"
 
 namespace host {
@@ -21,9 +23,6 @@ namespace {
 
 using FileHandle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-/// More than any picture worth reading, and all that a 32-bit process can well hold.
-constexpr size_t kMaxFileBytes = size_t{1} << 29;
-
 // ---- Reading -------------------------------------------------------------------------------
 
 [[noreturn]] void failToOpen(int error) {
@@ -31,13 +30,19 @@ constexpr size_t kMaxFileBytes = size_t{1} << 29;
                   "; check the name and the permissions");
 }
 
-FileHandle openFile(const std::string& path) {
+/// The kind of file, as stat has it; there are only files that can be read.
+mode_t checkedMode(const std::string& path) {
   if (path.find('\0') != std::string::npos) {
     throw FileFault("the name contains a zero byte; choose another one");
   }
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) failToOpen(errno);
   if (S_ISDIR(status.st_mode)) throw FileFault("is a folder; give the name of a file");
+  return status.st_mode;
+}
+
+FileHandle openFile(const std::string& path) {
+  checkedMode(path);
   FileHandle file(std::fopen(path.c_str(), "rb"), &std::fclose);
   if (file == nullptr) failToOpen(errno);
   return file;
@@ -50,15 +55,22 @@ FileHandle openFile(const std::string& path) {
                   "; choose another folder or make room");
 }
 
-/// The file a symbolic link stands for, or the path itself.
-std::string resolveLink(const std::string& path) {
-  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), &std::free);
-  return real != nullptr ? real.get() : path;
-}
-
 std::string folderOf(const std::string& path) {
   const size_t slash = path.rfind('/');
   return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+/// The file a symbolic link stands for, be it there or not, or the path itself.
+std::string resolveLink(std::string path) {
+  constexpr int kMostLinks = 40;
+  for (int i = 0; i < kMostLinks; ++i) {
+    std::array<char, PATH_MAX> target{};
+    const ssize_t size = readlink(path.c_str(), target.data(), target.size());
+    if (size <= 0) return path;
+    const std::string text(target.data(), static_cast<size_t>(size));
+    path = text.front() == '/' ? text : folderOf(path) + text;
+  }
+  failToStore(ELOOP);
 }
 
 /// The permissions for the new file: those of the file it replaces, if there is one.
@@ -72,7 +84,8 @@ std::optional<mode_t> replacedMode(const std::string& path) {
   return status.st_mode & 07777;
 }
 
-/// A file beside the target which vanishes again unless it is moved onto the target.
+/// A file beside the target which vanishes again unless it is moved onto the target. Interrupts
+/// wait until then.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& folder) {
@@ -111,6 +124,7 @@ class TemporaryFile {
   }
 
  private:
+  InterruptsHeld held_;
   std::string name_;
   int descriptor_ = -1;
   bool moved_ = false;
@@ -143,18 +157,26 @@ class NewFile {
 
 }  // namespace
 
-std::vector<uint8_t> readFile(const std::string& path) {
+std::vector<uint8_t> readFile(const std::string& path, size_t most) {
   const FileHandle file = openFile(path);
   std::vector<uint8_t> bytes;
   size_t used = 0;
   while (std::feof(file.get()) == 0) {
-    if (used == kMaxFileBytes) throw FileFault("the file is too large; at most 512 MB are read");
-    bytes.resize(std::min(kMaxFileBytes, std::max<size_t>(65536, 2 * used)));
+    if (used == most) {
+      throw FileFault("the file is too large; at most " + std::to_string(most >> 20) +
+                      " MB are read");
+    }
+    bytes.resize(std::min(most, std::max<size_t>(65536, 2 * used)));
     used += std::fread(bytes.data() + used, 1, bytes.size() - used, file.get());
     if (std::ferror(file.get()) != 0) failToOpen(errno);
   }
   bytes.resize(used);
   return bytes;
+}
+
+std::vector<uint8_t> readOrdinaryFile(const std::string& path) {
+  if (!S_ISREG(checkedMode(path))) throw FileFault("is no ordinary file; name another one");
+  return readFile(path);
 }
 
 void writeFile(const std::string& path, std::span<const uint8_t> bytes) {

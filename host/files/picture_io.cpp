@@ -25,37 +25,34 @@ constexpr PictureSize kSampleSize{480, 320};
 uint32_t grey(uint32_t level) { return level << 16 | level << 8 | level; }
 
 /// The size after an '@' in the path, such as 4000x3000, cut off the name.
-PictureSize takeSize(const std::string& path, std::string& name) {
+PictureSize takeSize(std::string& name) {
   const size_t at = name.find('@');
   if (at == std::string::npos) return kSampleSize;
   const auto size = parseSize(name.substr(at + 1));
   if (!size) {
-    throw ImageError(path + ": the size after '@' is width x height in pixels, such as 640x480");
+    throw FileFault("the size after '@' is width x height in pixels, such as 640x480");
   }
+  checkSize(static_cast<uint64_t>(size->width), static_cast<uint64_t>(size->height));
   name.resize(at);
   return *size;
 }
 
 Image drawSample(const std::string& path) {
   std::string name = path.substr(kSamplePrefix.size());
-  const PictureSize size = takeSize(path, name);
+  const PictureSize size = takeSize(name);
   std::string known;
   for (const Sample& sample : samples()) {
     if (sample.name == name) return sample.draw(size.width, size.height);
     known += (known.empty() ? "" : ", ") + std::string(sample.name);
   }
-  throw ImageError(path + ": no such sample picture; there are " + known);
+  throw FileFault("no such sample picture; there are " + known);
 }
 
 /// A picture that holds PICT data, of the size of its frame and without a mask.
-Ref<Picture> pictureOfPict(const std::string& path, std::span<const uint8_t> data) {
+Ref<Picture> pictureOfPict(std::span<const uint8_t> data) {
   const Rect frame = standin::pictFrame(data);
-  try {
-    checkSize(static_cast<uint64_t>(std::max(frame.right - frame.left, 0)),
-              static_cast<uint64_t>(std::max(frame.bottom - frame.top, 0)));
-  } catch (const FileFault& fault) {
-    throw imageError(path, fault.what());
-  }
+  checkSize(static_cast<uint64_t>(std::max(frame.right - frame.left, 0)),
+            static_cast<uint64_t>(std::max(frame.bottom - frame.top, 0)));
   Handle handle = nullptr;
   if (PtrToHand(data.data(), &handle, static_cast<long>(data.size())) != 0) return nullptr;
   return makeObject<Picture>(pictStore(handle));
@@ -65,7 +62,7 @@ Ref<Picture> openFile(const std::string& path) {
   if (path.starts_with(kSamplePrefix)) return pictureOf(drawSample(path));
   const auto bytes = readPictureFile(path);
   const bool isPict = detectFormat(bytes) == PictureFormat::kPict;
-  if (isPict) return pictureOfPict(path, *pictDataIn(bytes));
+  if (isPict) return pictureOfPict(*pictDataIn(bytes));
   return pictureOf(decodeImage(path, bytes));
 }
 
@@ -121,8 +118,10 @@ Ref<Picture> openPicture(const std::string& path) {
     throw std::bad_alloc();
   } catch (const ImageError& error) {
     raise("IOException", error.what());
+  } catch (const FileFault& fault) {
+    raise("IOException", fileMessage(path, fault.what()));
   } catch (const std::bad_alloc&) {
-    raise("IOException", path + ": is too large for the memory of this process");
+    raise("IOException", fileMessage(path, "is too large for the memory of this process"));
   }
 }
 
@@ -137,7 +136,7 @@ void savePicture(Picture& picture, const std::string& path) {
   } catch (const ImageError& error) {
     raise("IOException", error.what());
   } catch (const std::bad_alloc&) {
-    raise("IOException", path + ": not enough memory to write the picture");
+    raise("IOException", fileMessage(path, "not enough memory to write the picture"));
   }
 }
 

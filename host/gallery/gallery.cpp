@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "host/core/interrupt.h"
 #include "host/core/runtime.h"
 #include "host/files/picture_io.h"
 #include "host/gallery/page.h"
@@ -103,6 +104,7 @@ std::string makeGalleryPage() {
   for (const RecipeGroup& group : recipeGroups()) {
     GalleryGroup shown{std::string(group.title), {}};
     for (const Recipe& recipe : group.recipes) {
+      checkInterrupt();
       if (isRegistered(recipe)) shown.entries.push_back(entryFor(recipe));
     }
     if (!shown.entries.empty()) groups.push_back(std::move(shown));

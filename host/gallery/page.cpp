@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "host/core/interrupt.h"
 #include "host/files/image_file.h"
 #include "host/files/markup.h"
 #include "host/gallery/page_style.h"
@@ -87,6 +88,7 @@ class Page {
   void writeGroup(const GalleryGroup& group, size_t index) {
     html_ += "<section>\n<h2>" + escaped(group.title) + "</h2>\n";
     for (size_t i = 0; i < group.entries.size(); ++i) {
+      checkInterrupt();
       writeEntry(group.entries[i], anchor(index, i));
     }
     html_ += "</section>\n";

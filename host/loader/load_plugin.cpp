@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <elf.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -26,7 +28,7 @@ std::string listedName(const fs::path& bundle) {
   const fs::path file = bundle / "Contents/Info.plist";
   std::error_code error;
   if (!fs::is_regular_file(file, error)) return {};
-  const auto bytes = readFile(file.string());
+  const auto bytes = readOrdinaryFile(file.string());
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   constexpr std::string_view kOpen = "<string>";
   const size_t open = text.find(kOpen, text.find("<key>CFBundleExecutable</key>"));
@@ -58,14 +60,36 @@ fs::path fileOf(const std::string& path) {
   return file;
 }
 
-bool isElf(std::span<const uint8_t> file) {
-  return file.size() >= SELFMAG && memcmp(file.data(), ELFMAG, SELFMAG) == 0;
+template <typename Record>
+Record recordAt(std::span<const uint8_t> file, size_t offset) {
+  if (offset > file.size() || sizeof(Record) > file.size() - offset) {
+    throw std::runtime_error("is truncated; build or copy it again");
+  }
+  Record record;
+  memcpy(&record, file.data() + offset, sizeof record);
+  return record;
+}
+
+/// Refuses what the system's loader would not: it would touch what a truncated
+/// file lacks.
+void checkElf(std::span<const uint8_t> file) {
+  if (file.size() < EI_NIDENT || memcmp(file.data(), ELFMAG, SELFMAG) != 0) {
+    throw std::runtime_error("is no plug-in: neither an ELF image nor a Mach-O bundle");
+  }
+  if (file[EI_CLASS] != ELFCLASS32) {
+    throw std::runtime_error("is no plug-in: an ELF image, but not of 32 bits");
+  }
+  const auto header = recordAt<Elf32_Ehdr>(file, 0);
+  for (size_t i = 0; i < header.e_phnum; ++i) {
+    const auto segment = recordAt<Elf32_Phdr>(file, header.e_phoff + i * sizeof(Elf32_Phdr));
+    if (segment.p_type != PT_LOAD || segment.p_filesz == 0) continue;
+    const auto end = uint64_t{segment.p_offset} + segment.p_filesz - 1;
+    recordAt<uint8_t>(file, static_cast<size_t>(std::min<uint64_t>(end, SIZE_MAX)));
+  }
 }
 
 EntryPoint loadSharedImage(const fs::path& file, std::span<const uint8_t> bytes) {
-  if (!isElf(bytes)) {
-    throw std::runtime_error("is no plug-in: neither an ELF image nor a Mach-O bundle");
-  }
+  checkElf(bytes);
   void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
     throw std::runtime_error(std::string("cannot be loaded as a plug-in: ") + dlerror());

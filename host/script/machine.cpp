@@ -10,6 +10,7 @@
 #include "host/script/conversion.h"
 #include "host/script/innate.h"
 #include "host/script/script.h"
+#include "host/script/stack.h"
 #include "host/script/suggest.h"
 
 namespace host {
@@ -55,6 +56,7 @@ void Machine::runGuarded(const SourceText& source, const std::function<void()>& 
   } catch (const ScriptError&) {
     throw;
   } catch (const RaisedException& raised) {
+    pollInterrupt(callSite_);  // It may have been the reason.
     failUncaught(raised.instance.get());
   } catch (const std::bad_alloc&) {
     fail(callSite_, "out of memory");
@@ -85,7 +87,12 @@ void Machine::pollInterrupt(size_t position) const {
 
 /// The caller restores depth_.
 void Machine::enterLevel(size_t position) {
-  if (++depth_ > maximumDepth) fail(position, "the calls of functions nest too deeply");
+  if (++depth_ <= maximumDepth && !isStackLow()) return;
+  raiseAt(position, "StackOverflowException", "the calls of functions nest too deeply");
+}
+
+void Machine::raiseOutOfMemory() {
+  raise("OutOfMemoryException", "there is not enough memory for this");
 }
 
 // ---- Names

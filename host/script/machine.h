@@ -17,8 +17,8 @@
 namespace host {
 
 /// Statements and expressions that are being run may nest this deep, user
-/// functions included, so that endless recursion ends before the stack does: it
-/// takes 3 MB of it in the most wasteful build.
+/// functions included, so that endless recursion ends before the stack does, if
+/// it is of the usual size.
 inline constexpr int maximumDepth = 2000;
 
 class Machine {
@@ -69,6 +69,7 @@ class Machine {
   [[noreturn]] void raiseAt(size_t position, const char* className, std::string message);
   void pollInterrupt(size_t position) const;
   void enterLevel(size_t position);
+  [[noreturn]] void raiseOutOfMemory();
 
   // Statements (machine_statements.cpp).
   Flow executeBlock(const Block& block);

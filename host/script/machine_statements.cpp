@@ -1,6 +1,8 @@
 // The machine's statements.
 #include <cstdint>
+#include <new>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 #include "host/core/exception.h"
@@ -29,7 +31,13 @@ Machine::Flow Machine::execute(const Statement& statement) {
   enterLevel(statement.position);
   pollInterrupt(statement.position);
   callSite_ = statement.position;
-  return std::visit([this](const auto& node) { return execute(node); }, statement.node);
+  try {
+    return std::visit([this](const auto& node) { return execute(node); }, statement.node);
+  } catch (const std::bad_alloc&) {
+    raiseOutOfMemory();
+  } catch (const std::length_error&) {  // more than the process has addresses for
+    raiseOutOfMemory();
+  }
 }
 
 Machine::Flow Machine::execute(const Dim& node) {
@@ -229,8 +237,9 @@ Machine::Flow Machine::execute(const Print& node) {
     if (value != node.values.front()) line += ' ';
     line += textOf(evaluate(*value));
   }
-  output_ << line << '\n';
-  return {};
+  if (output_ << line << '\n') return {};
+  pollInterrupt(callSite_);  // It may have been the reason.
+  fail(callSite_, "what is printed cannot be written");
 }
 
 }  // namespace host

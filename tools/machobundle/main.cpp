@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
   const std::string bundle = argv[2];
   std::vector<uint8_t> bytes;
   const auto translate = [&] {
-    const auto file = host::readFile(image);
+    const auto file = host::readOrdinaryFile(image);
     bytes = machobundle::makeBundle(machobundle::readElfImage(file));
   };
   const auto write = [&] { machobundle::writeBundle(bundle, bytes); };

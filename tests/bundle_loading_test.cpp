@@ -1,6 +1,7 @@
 // The host's loader of bundles: what it refuses, what it makes of the words of an
 // image, and that a bundle gives what the ELF image gives, wherever it is.
 
+#include <elf.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -337,6 +338,13 @@ TEST_F(BundleCommandTest, OneLineSaysWhatIsWrongWithAPlugin) {
   runCommand("mkdir -p " + path("folder/Contents") + " && ln -s /proc/self/mem " +
              path("folder/Contents/Info.plist"));
   expectRefused("folder", "cannot be read: Input/output error; check the name and the permissions");
+  Bytes image = smallImage();
+  image.resize(image.size() / 4);
+  store("part", image);
+  expectRefused("part", "is truncated; build or copy it again");
+  image[EI_CLASS] = ELFCLASS64;
+  store("wide", image);
+  expectRefused("wide", "is no plug-in: an ELF image, but not of 32 bits");
   write("text", "no plug-in");
   expectRefused("text", "is no plug-in: neither an ELF image nor a Mach-O bundle");
 }

@@ -192,14 +192,17 @@ TEST_F(MachobundleTest, SaysInOneLineWhatIsWrongAndLeavesNothing) {
       {small("strange_import"), "imports exit, which is on no list of imports"},
       {path("none"),
        "cannot be read: No such file or directory; check the name and the permissions"},
-      {"/dev/null", "is truncated: the file ends before its header"},
+      {"/dev/zero", "is no ordinary file; name another one"},
+      {path("pipe"), "is no ordinary file; name another one"},
+      {path("empty"), "is truncated: the file ends before its header"},
   };
+  runCommand("cd " + folder + " && mkfifo pipe && touch empty");
   for (const auto& [image, reason] : refusals) {
     const Outcome outcome = translate(image);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "machobundle: " + image + ": " + reason + "\n");
   }
-  EXPECT_EQ(runCommand("ls " + folder).output, "");
+  EXPECT_EQ(runCommand("ls -A " + folder).output, "empty\npipe\n");
   EXPECT_EQ(runCommand(QRZ_BUILD_FOLDER "/machobundle").status, 2);
 }
 

@@ -7,6 +7,13 @@ namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
+sigset_t allSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int each : kSignals) sigaddset(&signals, each);
+  return signals;
+}
+
 volatile sig_atomic_t noted = 0;
 
 void onSignal(int signal) {
@@ -20,6 +27,7 @@ void noteInterrupts() {
   struct sigaction action {};
   // No restart: what waits, for instance for a pipe's other end, is to give up.
   action.sa_handler = onSignal;
+  action.sa_mask = allSignals();  // one after the other, even if they come together
   for (const int each : kSignals) {
     struct sigaction before {};
     sigaction(each, nullptr, &before);
@@ -40,9 +48,7 @@ void endByInterrupt() {
 }
 
 InterruptsHeld::InterruptsHeld() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (const int each : kSignals) sigaddset(&signals, each);
+  const sigset_t signals = allSignals();
   pthread_sigmask(SIG_BLOCK, &signals, &before_);
 }
 

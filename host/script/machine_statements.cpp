@@ -201,8 +201,9 @@ Machine::Flow Machine::execute(const Try& node) {
   } catch (const RaisedException& raised) {
     pending = raised;
   }
-  const Restorer callSite(callSite_);  // An uncaught exception names its own place.
+  const size_t callSite = callSite_;
   const Flow finally = executeBlock(node.finally);
+  callSite_ = callSite;  // An uncaught exception names its own place.
   if (finally.kind != Flow::Kind::Next) return finally;
   if (pending) throw RaisedException(*pending);
   return flow;

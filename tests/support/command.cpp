@@ -1,14 +1,35 @@
 #include "tests/support/command.h"
 
+#include <poll.h>
+#include <pty.h>
 #include <stdlib.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 
 namespace host {
+namespace {
+
+int statusOf(int waited) {
+  return WIFSIGNALED(waited) ? 128 + WTERMSIG(waited) : WEXITSTATUS(waited);
+}
+
+/// Whether the process has a handler for interrupts.
+bool notesInterrupts(int process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/status");
+  for (std::string line; std::getline(file, line);) {
+    if (!line.starts_with("SigCgt:")) continue;
+    return (std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1) & 1) != 0;
+  }
+  return false;
+}
+
+}  // namespace
 
 Outcome runCommand(const std::string& command) {
   FILE* pipe = popen((command + " 2>&1 </dev/null").c_str(), "r");
@@ -18,12 +39,68 @@ Outcome runCommand(const std::string& command) {
     outcome.output.append(buffer.data(), count);
   }
   const int status = pclose(pipe);
-  if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
+  outcome.status = statusOf(status);
   return outcome;
 }
 
 Outcome qrz(const std::string& arguments) {
   return runCommand(QRZ_BUILD_FOLDER "/qrz " + arguments);
+}
+
+Session::Session(const std::string& folder, const std::string& arguments) {
+  const std::string command = "cd " + folder + " && exec " QRZ_BUILD_FOLDER "/qrz " + arguments;
+  process_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+  if (process_ == 0) {
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    _exit(127);
+  }
+  tcgetattr(terminal_, &before_);
+}
+
+Session::~Session() {
+  if (process_ > 0) {
+    kill(process_, SIGKILL);
+    waitpid(process_, nullptr, 0);
+  }
+  close(terminal_);
+}
+
+bool Session::read() {
+  pollfd ready{terminal_, POLLIN, 0};
+  if (poll(&ready, 1, 10) == 0) return true;
+  std::array<char, 4096> buffer{};
+  const ssize_t count = ::read(terminal_, buffer.data(), buffer.size());
+  if (count <= 0) return false;
+  output_.append(buffer.data(), static_cast<size_t>(count));
+  return true;
+}
+
+void Session::waitFor(const std::string& text) {
+  while (output_.find(text) == std::string::npos || !notesInterrupts(process_)) {
+    if (!read()) return;
+  }
+  for (int i = 0; i < 5; ++i) read();
+}
+
+void Session::send(int signal) const { kill(process_, signal); }
+
+Outcome Session::end() {
+  while (read()) {
+  }
+  int status = 0;
+  waitpid(process_, &status, 0);
+  process_ = -1;
+  for (size_t at = output_.find("\r\n"); at != std::string::npos; at = output_.find("\r\n")) {
+    output_.erase(at, 1);
+  }
+  return {statusOf(status), output_};
+}
+
+bool Session::isTerminalAsBefore() const {
+  termios now{};
+  tcgetattr(terminal_, &now);
+  return now.c_lflag == before_.c_lflag && now.c_iflag == before_.c_iflag &&
+         now.c_oflag == before_.c_oflag;
 }
 
 void FolderTest::SetUp() {

@@ -383,7 +383,8 @@ TEST_F(ScriptTest, Exceptions) {
       {"Dim b As New Box\nTry\nb.Fail \"\"\nCatch e As NilObjectException\nFinally\nb.Grow 1\nEnd "
        "Try",
        "3:3: uncaught UnsupportedFormatException"},
-      {"Try\nFinally\nPrint Chr(256)\nEnd Try", "3:7: uncaught OutOfBoundsException: Chr takes 0 to 255"},
+      {"Try\nFinally\nPrint Chr(256)\nEnd Try",
+       "3:7: uncaught OutOfBoundsException: Chr takes 0 to 255"},
       {"Try\nCatch e As Box2\nEnd Try\nTry\nPrint 1 \\ 0\nCatch e As Box2\nEnd Try",
        "6:12: unknown class 'Box2'; did you mean 'Box'?"},
   });

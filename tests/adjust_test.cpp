@@ -3,28 +3,17 @@
 
 #include <algorithm>
 #include <climits>
-#include <cmath>
 #include <numeric>
 
 #include "tests/support/checks.h"
 #include "tests/support/rectangle.h"
+#include "tests/support/tones.h"
 
 namespace host {
 namespace {
 
 using Arguments = std::vector<Value>;
 using Map = std::function<uint32_t(uint32_t)>;
-
-/// What `level(value, channel)` makes of the channels, 0 red to 2 blue.
-template <typename Level>
-uint32_t eachChannel(uint32_t rgb, const Level& level) {
-  uint32_t result = 0;
-  for (size_t i = 0; i < 3; ++i) {
-    const auto value = static_cast<int32_t>(rgb >> (16 - 8 * i) & 0xFF);
-    result = result << 8 | static_cast<uint32_t>(level(value, i));
-  }
-  return result;
-}
 
 uint32_t invert(uint32_t rgb) { return 0xFFFFFF - rgb; }
 
@@ -70,43 +59,6 @@ TEST_P(AdjustTest, InvertedInsideAcrossAndOutside) {
 
 // --- Tones -------------------------------------------------------------------
 
-/// What becomes of level v of a channel.
-struct Tone {
-  const char* declaration;
-  size_t count;
-  double (*level)(double v, double x, double last);
-  bool wraps = false;
-};
-
-double linear(double v, double x, double /*last*/) {
-  const double factor = (0 > x ? x + 255 : 255 - x) / 255;
-  return v * factor + (0 > x ? 0 : x);
-}
-double absolute(double v, double x, double /*last*/) { return v + x; }
-double contrast(double v, double x, double /*last*/) { return (v - 127) * (1 + x) + 127; }
-double custom(double v, double x, double last) { return v * x + last; }
-
-const Tone tones[] = {
-    {"ChangeBrightnessLinearQRZ(x as double) as picture", 1, linear, true},
-    {"ChangeBrightnessAbsoluteQRZ(x as double) as picture", 1, absolute},
-    {"ChangeContrastQRZ(x as double) as picture", 1, contrast},
-    {"ChangeCustomQRZ(a as double, b as double) as picture", 2, custom},
-    {"ChangeBrightnessLinearQRZ(r as double, g as double, b as double) as picture", 3, linear,
-     true},
-    {"ChangeBrightnessAbsoluteQRZ(r as double, g as double, b as double) as picture", 3, absolute},
-    {"ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture", 3, contrast},
-};
-
-uint32_t clamped(double t) {
-  if (t > 255) return 255;
-  return t > 0 ? static_cast<uint32_t>(t) : 0;
-}
-
-uint32_t lowByte(double t) {
-  if (!std::isfinite(t)) return 0;
-  return static_cast<uint32_t>(static_cast<int32_t>(std::fmod(std::trunc(t), 256))) & 0xFF;
-}
-
 TEST_P(AdjustTest, TonesOfAnyArguments) {
   // Every level in every channel, as far as the depth can hold them.
   const auto levels = drawnPicture(256, 1, [](int32_t x, int32_t) {
@@ -119,12 +71,8 @@ TEST_P(AdjustTest, TonesOfAnyArguments) {
   const auto hostile = [&] { return hostileNumbers[random() % hostileNumbers.size()]; };
   for (const Tone& tone : tones) {
     const auto expectTone = [&](const Ref<Picture>& source, const std::vector<double>& x) {
-      expectMapped(tone.declaration, source, {x.begin(), x.end()}, [&](uint32_t rgb) {
-        return eachChannel(rgb, [&](double v, size_t channel) {
-          const double t = tone.level(v, x[x.size() == 3 ? channel : 0], x.back());
-          return tone.wraps ? lowByte(t) : clamped(t);
-        });
-      });
+      expectMapped(tone.declaration, source, {x.begin(), x.end()},
+                   [&](uint32_t rgb) { return tone(rgb, x); });
     };
     for (const double value : hostileNumbers)
       expectTone(levels, std::vector<double>(tone.count, value));

@@ -9,23 +9,19 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
 #include <iostream>
-#include <span>
 
 #include "host/bench/cases.h"
 #include "host/bench/members.h"
 #include "host/core/exception.h"
 #include "host/core/pict_recording.h"
 #include "host/loader/load_plugin.h"
-#include "platform/standin/standin.h"
-#include "tests/support/checks.h"
 #include "tests/support/faults.h"
 #include "tests/support/fence.h"
+#include "tests/support/sweep.h"
 
 namespace host {
 namespace {
@@ -42,10 +38,8 @@ struct Case {
   [[nodiscard]] bool is(std::string_view prefix) const { return name.starts_with(prefix); }
 };
 
-Ref<Object> newInstance(std::string_view className, const Subject& subject) {
-  const Class* found = runtime().registry.findClass(className);
-  const Value made = found->constructors.front().call(nullptr, {});
-  auto instance = Ref<Object>::share(objectOf(made));
+Ref<Object> instanceWith(std::string_view className, const Subject& subject) {
+  auto instance = newInstance(className);
   for (const char* property : {"SourcePicture", "DestinationPicture"}) {
     memberOf(className, property).assign(instance.get(), {}, objectValue(subject.picture));
   }
@@ -127,8 +121,8 @@ std::vector<Case> ownCases() {
       {"RenderSamplesQRZ, wide outline", "", any, [](S) { return waveform(5); }},
       {"CountColorsQRZ, blocks", "", any, [=](S s) { return BenchCall{s.picture, {counters(), counters(), counters(), 0}, {}, {}, {}}; }},
       {"FindPicture, stripes", "", any, inStripes},
-      {"PictureLut3DQRZ.Table", "", any, [](S s) { return BenchCall{newInstance("PictureLut3DQRZ", s), {1, 2, 3, 0}, {}, {}, {}}; }},
-      {"PictureLut3DQRZ.Table, assigned", "", any, [](S s) { return BenchCall{newInstance("PictureLut3DQRZ", s), {17, 17, 17, 2}, 0.5, {}, {}}; }},
+      {"PictureLut3DQRZ.Table", "", any, [](S s) { return BenchCall{instanceWith("PictureLut3DQRZ", s), {1, 2, 3, 0}, {}, {}, {}}; }},
+      {"PictureLut3DQRZ.Table, assigned", "", any, [](S s) { return BenchCall{instanceWith("PictureLut3DQRZ", s), {17, 17, 17, 2}, 0.5, {}, {}}; }},
   };
   // clang-format on
   for (const std::string_view names :
@@ -139,7 +133,7 @@ std::vector<Case> ownCases() {
     for (size_t at = names.find(' ') + 1; at < names.size(); at = names.find(' ', at) + 1) {
       const std::string name(names.substr(at, names.find(' ', at) - at));
       cases.push_back({className + "." + name, "", any, [className](S s) {
-                         return BenchCall{newInstance(className, s), {}, {}, {}, {}};
+                         return BenchCall{instanceWith(className, s), {}, {}, {}, {}};
                        }});
     }
   }
@@ -172,43 +166,6 @@ const Member& memberNamed(std::string_view name) {
 
 // --- Their subjects ----------------------------------------------------------
 
-/// Calls `work` with each row's bytes behind the pixels. None of PICT data.
-void forEachRowEnd(Picture& picture, const std::function<void(std::span<uint8_t>)>& work) {
-  void* data = picture.store().data();
-  const int32_t type = picture.store().type();
-  if (type == qrz::kPictData) return;
-  const auto stride = static_cast<size_t>(standin::rowBytesFor(picture.width(), picture.depth()));
-  uint8_t* base = nullptr;
-  if (type == qrz::kGWorld) base = standin::pixelsOf(static_cast<GWorldPtr>(data)).base;
-  if (type == qrz::kHostBitmap) base = static_cast<qrz::HostBitmap*>(data)->rowTable[0];
-  if (type == qrz::kBitmapContext) {
-    base = static_cast<uint8_t*>(CGBitmapContextGetData(static_cast<CGContextRef>(data)));
-  }
-  const auto used = static_cast<size_t>(picture.width() * (picture.depth() / 8));
-  for (int32_t y = 0; y < picture.height(); ++y, base += stride) {
-    work({base + used, base + stride});
-  }
-}
-
-/// They hold one value throughout. What lies around the rows is fenced.
-bool rowEndsAreIntact(Picture& picture) {
-  bool areIntact = true;
-  forEachRowEnd(picture, [&](std::span<uint8_t> bytes) {
-    areIntact &= std::ranges::count(bytes, bytes.back()) == std::ssize(bytes);
-  });
-  return areIntact;
-}
-
-Ref<Picture> newPicture(const Representation& representation, const std::vector<uint32_t>& words,
-                        PictureSize size = kSize) {
-  auto picture =
-      Picture::create(representation.sources, size.width, size.height, representation.depth);
-  picture->setPixels(words);
-  // New pictures have 0 there.
-  forEachRowEnd(*picture, [](std::span<uint8_t> bytes) { std::ranges::fill(bytes, 0xA5); });
-  return picture;
-}
-
 Subject newSubject(Content content, const Representation& representation) {
   std::mt19937 random(3);
   const auto words = [&] {
@@ -219,7 +176,8 @@ Subject newSubject(Content content, const Representation& representation) {
     }
     return all;
   };
-  return {content, kSize, newPicture(representation, words()), newPicture(representation, words())};
+  return {content, kSize, pictureWithRowEnds(representation, kSize, words()),
+          pictureWithRowEnds(representation, kSize, words())};
 }
 
 /// A call with its subject, all pictures in the representation.
@@ -234,9 +192,10 @@ struct Prepared {
       const auto given = pictureOf(value);
       if (!given || std::ranges::count(pictures, given) > 0) return value;
       const bool isPict = given->store().type() == qrz::kPictData;
-      pictures.push_back(
-          isPict ? given
-                 : newPicture(representation, given->pixels(), {given->width(), given->height()}));
+      pictures.push_back(isPict
+                             ? given
+                             : pictureWithRowEnds(representation, {given->width(), given->height()},
+                                                  given->pixels()));
       return objectValue(pictures.back());
     };
     for (Value& argument : call.arguments) argument = keep(std::move(argument));
@@ -253,50 +212,6 @@ struct Prepared {
 };
 
 // --- What a call has for a result --------------------------------------------
-
-/// In a few bytes, so that processes can share it.
-struct Outcome {
-  explicit Outcome(std::string_view kind, std::string_view bytes = {})
-      : body(std::hash<std::string_view>()(bytes)) {
-    kind.copy(head, sizeof head - 1);
-  }
-  void add(const Outcome& more) {
-    const std::string both = std::string(head) + ", " + more.head;
-    both.copy(head, sizeof head - 1);
-    body = body * 31 + more.body;
-  }
-  friend bool operator==(const Outcome&, const Outcome&) = default;
-
-  char head[100] = {};  ///< kind and size
-  size_t body;
-};
-
-/// New counters that did not count are as good as none.
-bool holdsNothing(const MemoryBlock& block) {
-  return std::ranges::all_of(block.bytes, [](uint8_t byte) { return byte == 0; });
-}
-
-std::string bytesOf(const Picture& picture) {
-  const auto words = picture.pixels();
-  return {reinterpret_cast<const char*>(words.data()), 4 * words.size()};
-}
-
-Outcome outcomeOf(const Value& value) {
-  if (const auto* picture = objectAs<Picture>(value)) {
-    return Outcome(
-        "picture " + std::to_string(picture->width()) + "x" + std::to_string(picture->height()),
-        bytesOf(*picture));
-  }
-  if (const auto* block = objectAs<MemoryBlock>(value); block != nullptr && !holdsNothing(*block)) {
-    return Outcome("block",
-                   {reinterpret_cast<const char*>(block->bytes.data()), block->bytes.size()});
-  }
-  if (const auto* text = std::get_if<std::string>(&value)) return Outcome("string", *text);
-  if (const auto* number = std::get_if<int32_t>(&value)) return Outcome(std::to_string(*number));
-  if (const auto* number = std::get_if<double>(&value)) return Outcome(std::to_string(*number));
-  if (const auto* boolean = std::get_if<bool>(&value)) return Outcome(*boolean ? "true" : "false");
-  return Outcome("nil");
-}
 
 /// With all that a call can change: ByRef arguments, the object's own pixels, and what an
 /// instance made.
@@ -342,10 +257,7 @@ Outcome outcomeOfCall(const Prepared& prepared, const Faults& faults) {
     }
   }
   const Outcome outcome = outcomeWith(result, prepared, arguments);
-  for (const Object* object : Object::living()) {
-    auto* picture = dynamic_cast<Picture*>(const_cast<Object*>(object));
-    EXPECT_TRUE(picture == nullptr || rowEndsAreIntact(*picture)) << object->describe();
-  }
+  expectRowEnds();
   if (call.release) call.release();
   return outcome;
 }
@@ -457,15 +369,6 @@ bool isAllowed(const Case& entry, const Outcome& outcome, const Faults& faults) 
   return std::count(shared.outcomes, shared.outcomes + shared.outcomeCount, outcome) > 0;
 }
 
-std::vector<std::vector<uint8_t>> bytesOfBlocks() {
-  std::vector<std::vector<uint8_t>> blocks;
-  for (const Object* object : Object::living()) {
-    if (const auto* block = dynamic_cast<const MemoryBlock*>(object))
-      blocks.push_back(block->bytes);
-  }
-  return blocks;
-}
-
 class FaultTest : public testing::TestWithParam<std::tuple<size_t, Representation>> {
  protected:
   [[nodiscard]] static const Case& entry() { return allCases()[std::get<0>(GetParam())]; }
@@ -473,22 +376,8 @@ class FaultTest : public testing::TestWithParam<std::tuple<size_t, Representatio
 
   /// Runs it in a process of its own; false if anything was wrong there.
   static bool runApart(const std::string& what, const std::function<void()>& work) {
-    std::cout << std::flush;
-    const pid_t child = fork();
-    if (child == 0) {
-      constexpr unsigned kSeconds = 20;
-      alarm(kSeconds);
-      runtime().settings.newPictures = representation().newPictures;
-      const testing::ScopedTrace trace(__FILE__, __LINE__, what);
-      work();
-      std::cout << std::flush;
-      std::quick_exit(HasFailure() ? 1 : 0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_FALSE(WIFSIGNALED(status)) << what << ": " << strsignal(WTERMSIG(status));
-    EXPECT_EQ(status, 0) << what;
-    return status == 0;
+    constexpr uint32_t kSeconds = 20;
+    return host::runApart(what, representation(), kSeconds, work);
   }
 
   /// One call, and whether it leaves everything as it was.
@@ -504,16 +393,12 @@ class FaultTest : public testing::TestWithParam<std::tuple<size_t, Representatio
       unchanged.push_back(std::make_unique<Unchanged>(picture));
     }
     const auto blocks = bytesOfBlocks();
-    CGrafPtr ports[2] = {};
-    GDHandle devices[2] = {};
-    GetGWorld(&ports[0], &devices[0]);
+    const SamePort samePort;
     const auto before = runtime().findLeaks();
     Outcome outcome = outcomeOfCall(prepared, faults);
     EXPECT_TRUE(mayLeak || runtime().findLeaks() == before)
         << testing::PrintToString(runtime().findLeaks()) << " after "
         << testing::PrintToString(before);
-    GetGWorld(&ports[1], &devices[1]);
-    EXPECT_TRUE(ports[0] == ports[1] && devices[0] == devices[1]) << "another port is current";
     EXPECT_TRUE(entry().is("CountColorsQRZ") || bytesOfBlocks() == blocks) << "a block was changed";
     return outcome;
   }

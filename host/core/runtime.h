@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/core/exception.h"
@@ -48,6 +49,8 @@ class Runtime {
   /// handle that is no object, …
   void reportMisuse(std::string text) { misuses_.push_back(std::move(text)); }
   [[nodiscard]] const std::vector<std::string>& misuses() const { return misuses_; }
+  /// For those that are meant to happen.
+  std::vector<std::string> takeMisuses() { return std::exchange(misuses_, {}); }
 
   /// Everything that is wrong at this moment if no script value is left:
   /// misuses, objects alive, pictures and pixel maps locked. Empty if all is well.

@@ -3,6 +3,7 @@
 #ifdef __SANITIZE_ADDRESS__
 
 void host::fenceMemory() {}
+void host::stopFencing() {}
 void host::failAllocation(int32_t /*number*/) {}
 
 #else
@@ -28,7 +29,8 @@ namespace {
 constexpr size_t kPage = 4096;
 constexpr size_t kPages = 16384;
 
-char* arena = nullptr;  // null: no fences
+char* arena = nullptr;
+bool isFencing = false;
 size_t usedPages = 0;
 int32_t untilFailure = 0;
 size_t sizes[kPages];  // of the blocks, at their first page
@@ -48,7 +50,7 @@ size_t pagesFor(size_t size) { return std::max<size_t>((size + kPage - 1) / kPag
 /// alignment, so that its objects are aligned though only their end is.
 void* fencedBlock(size_t size) {
   const size_t pages = pagesFor(size);
-  if (arena == nullptr || size > kPage * kPages || usedPages + pages + 1 > kPages) return nullptr;
+  if (!isFencing || size > kPage * kPages || usedPages + pages + 1 > kPages) return nullptr;
   char* start = arena + kPage * usedPages;
   if (mprotect(start, kPage * pages, PROT_READ | PROT_WRITE) != 0) return nullptr;
   char* block = start + kPage * pages - std::max<size_t>(size, 1);
@@ -94,9 +96,14 @@ void* realloc(void* block, size_t size) {
 void host::failAllocation(int32_t number) { untilFailure = number; }
 
 void host::fenceMemory() {
-  void* pages =
-      mmap(nullptr, kPage * kPages, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (pages != MAP_FAILED) arena = static_cast<char*>(pages);
+  if (arena == nullptr) {
+    void* pages = mmap(nullptr, kPage * kPages, PROT_NONE,
+                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (pages != MAP_FAILED) arena = static_cast<char*>(pages);
+  }
+  isFencing = arena != nullptr;
 }
+
+void host::stopFencing() { isFencing = false; }
 
 #endif

@@ -11,6 +11,10 @@ namespace host {
 /// sanitizer does the same by its own means; nothing changes under it.
 void fenceMemory();
 
+/// From now on new blocks are as usual, which takes less time, until fenceMemory is called
+/// again.
+void stopFencing();
+
 /// From now on the allocation of that number fails, counted from 1; 0: none. Never under
 /// the address sanitizer.
 void failAllocation(int32_t number);

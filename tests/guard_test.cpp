@@ -1,6 +1,6 @@
-// What the members that make pictures have in common: nil gives nil; with rows at
-// odd addresses and guard bytes around them, they read and write their pixels and no
-// byte besides; and descriptions may name sizes that no picture has.
+// What the members that make pictures have in common: with rows at odd addresses and
+// guard bytes around them, they read and write their pixels and no byte besides; and
+// descriptions may name sizes that no picture has.
 
 #include <algorithm>
 #include <climits>
@@ -63,17 +63,6 @@ std::vector<PictureMaker> pictureMakers() {
   }
   EXPECT_GT(makers.size(), 20U);
   return makers;
-}
-
-class MembersTest : public RepresentationTest {};
-QRZ_ALL_REPRESENTATIONS(MembersTest);
-
-TEST_P(MembersTest, NilGivesNil) {
-  const auto picture = randomPicture(5, 4);
-  const Unchanged unchanged(picture);
-  for (const PictureMaker& make : pictureMakers()) {
-    EXPECT_FALSE(make(nullptr, make.isGlobal ? nullptr : picture)) << make.text();
-  }
 }
 
 // --- Rows at odd addresses --------------------------------------------------

@@ -134,8 +134,9 @@ struct Objects {
     // Few of the long ones, which take their time.
     const bool isLong = std::max(width, height) > 1000;
     const PictureSize larger = isLong ? PictureSize{3, 3} : PictureSize{width + 1, height + 2};
-    const PictureSize smaller = {std::max(larger.width - 3, 1), std::max(larger.height - 3, 1)};
-    for (const PictureSize own : {size, size, size, smaller, larger}) {
+    const PictureSize lower = {larger.width, std::max(larger.height - 3, 1)};
+    const PictureSize smaller = {std::max(larger.width - 3, 1), lower.height};
+    for (const PictureSize own : {size, size, size, larger, lower, smaller}) {
       const auto words = someWords(own, pictures.size());
       pictures.push_back(pictureWithRowEnds(representation, own, words));
       initial.push_back(pictures.back()->pixels());
@@ -477,20 +478,23 @@ class Plan {
   size_t size_ = 0;
 };
 
-/// Nobody waits for pictures of billions of pixels: what is asked for by the parameters of
-/// a member that takes none. Sizes below 1 are those of the member's own choice.
+/// Nobody waits for pictures of millions of pixels, or for a wide pen on every column of
+/// one: what is asked for by the parameters of a member that takes no picture. Sizes below
+/// 1 are those of the member's own choice.
 bool isAffordable(const Target& target, const Inputs& inputs) {
-  constexpr int64_t kMost = 1 << 17;
   if (target.owner != nullptr) return true;
+  int64_t most = 1 << 16;
   int64_t pixels = 1;
   const auto& parameters = target.member->declaration.parameters;
   for (size_t i = 0; i < parameters.size(); ++i) {
-    if (!sameName(parameters[i].name, "Width") && !sameName(parameters[i].name, "Height")) continue;
-    const auto length = std::get<int32_t>(inputs[i]);
-    pixels *= length < 1 ? 500 : length;
+    const std::string& name = parameters[i].name;
+    const auto* number = std::get_if<int32_t>(&inputs[i]);
+    if (number == nullptr) continue;
+    if (sameName(name, "Width") || sameName(name, "Height")) pixels *= *number < 1 ? 500 : *number;
+    if (sameName(name, "outlinewidth") && *number > 1) most = 1 << 13;
   }
   // The largest are refused at once.
-  return pixels <= kMost || pixels > INT_MAX;
+  return pixels <= most || pixels > INT_MAX;
 }
 
 /// Calls a function of the plug-in; words that are no values of their types go as integers.

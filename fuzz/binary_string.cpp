@@ -1,15 +1,14 @@
 // BinaryStringtoPictureQRZ with bytes from anywhere: nil, or a picture of the very
 // pixels that the string holds. QRZ_FUZZ_PICTURES=bitmap makes new pictures bitmaps.
 
-#include <cstdlib>
-#include <cstring>
 #include <string_view>
 
+#include "fuzz/support/checks.h"
+#include "fuzz/support/plugin.h"
 #include "host/core/picture.h"
 #include "host/core/runtime.h"
 #include "host/core/string_record.h"
-#include "plugin/binding/services.h"
-#include "plugin/kernels/level.h"
+#include "plugin/binding/handles.h"
 
 namespace qrz {
 HostPicture BinaryStringtoPictureQRZ(HostString data);
@@ -18,11 +17,9 @@ HostString PicturetoBinaryStringQRZ(HostPicture p);
 
 namespace {
 
-constexpr size_t kHeaderSize = 40;
+using fuzz::expect;
 
-void expect(bool isTrue) {
-  if (!isTrue) abort();
-}
+constexpr size_t kHeaderSize = 40;
 
 uint32_t wordAt(std::string_view text, size_t offset) {
   uint32_t word = 0;
@@ -55,13 +52,7 @@ void convert(std::string_view text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
-  const char* pictures = getenv("QRZ_FUZZ_PICTURES");
-  if (pictures != nullptr && strcmp(pictures, "bitmap") == 0) {
-    host::runtime().settings.newPictures = host::Storage::Bitmap;
-  }
-  host::addBuiltInClasses(host::runtime().registry);
-  qrz::resolver = host::resolveService;
-  qrz::cpuLevel = qrz::detectCpuLevel();
+  fuzz::startPlugin();
   return 0;
 }
 

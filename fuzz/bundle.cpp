@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "fuzz/support/checks.h"
 #include "host/loader/mach_o_image.h"
 
 namespace {
@@ -13,7 +14,7 @@ void load(std::span<const uint8_t> bytes) {
                                [](const std::string&) { return reinterpret_cast<void*>(&malloc); });
   const auto code = image.bytes();
   const auto* entry = static_cast<const uint8_t*>(image.entryPoint());
-  if (entry < code.data() || entry >= code.data() + code.size()) abort();
+  fuzz::expect(entry >= code.data() && entry < code.data() + code.size());
   host::checkContents(file, bytes);
 }
 

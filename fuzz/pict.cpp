@@ -1,21 +1,19 @@
 // PICT data from anywhere: found in a file, and drawn on small canvases, its own
 // size among them.
 
-#include <cstdlib>
 #include <vector>
 
+#include "fuzz/support/checks.h"
 #include "host/files/pict_file.h"
 #include "platform/standin/box.h"
 #include "platform/standin/standin.h"
 
 namespace {
 
+using fuzz::expect;
+
 constexpr uint32_t kPaper = 0x00ABCDEF;
 constexpr int32_t kLargestSide = 300;
-
-void expect(bool isTrue) {
-  if (!isTrue) abort();
-}
 
 std::vector<uint32_t> drawn(std::span<const uint8_t> data, int32_t width, int32_t height) {
   std::vector<uint32_t> words(static_cast<size_t>(width) * static_cast<size_t>(height), kPaper);

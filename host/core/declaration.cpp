@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 
 namespace host {
@@ -177,7 +178,8 @@ Value DeclarationParser::number() {
   const char* const end = text_.data() + text_.size();
   double real = 0.0;
   const auto [realEnd, realError] = std::from_chars(begin, end, real);
-  if (realError != std::errc{}) failExpecting("a number");
+  // Infinity and what is no number have no digits behind the sign.
+  if (realError != std::errc{} || !std::isfinite(real)) failExpecting("a number");
   int32_t integer = 0;
   const auto [integerEnd, integerError] = std::from_chars(begin, end, integer);
   position_ = static_cast<size_t>(realEnd - text_.data());

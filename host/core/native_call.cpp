@@ -14,7 +14,7 @@ namespace {
 
 using Word = uint32_t;
 
-/// More words than any member takes. The caller clears a cdecl call's stack, so
+/// More words than any member of the plug-in takes. The caller clears a cdecl call's stack, so
 /// words beyond the parameters do no harm.
 constexpr size_t kWords = 16;
 
@@ -228,7 +228,18 @@ Value invokeFor(qrz::HostFunction function, const Type& type, const Arguments& a
   }
 }
 
+int32_t wordsOf(const Type& type) { return type.kind == Type::Kind::Double ? 2 : 1; }
+
 }  // namespace
+
+bool fitsIntoCall(const Declaration& declaration) {
+  // The object, and the value that a setter is given.
+  int32_t words = 1 + wordsOf(declaration.result.value_or(Type{}));
+  for (const Parameter& parameter : declaration.parameters) {
+    words += parameter.byRef ? 1 : wordsOf(parameter.type);
+  }
+  return words <= static_cast<int32_t>(kWords);
+}
 
 Value callFunction(qrz::HostFunction function, const Declaration& declaration, Self self,
                    std::span<Value> arguments) {
@@ -253,6 +264,7 @@ void callSetter(qrz::HostFunction setter, const Declaration& declaration, Self s
   native.addAll(declaration, arguments);
   native.add(assignedType, assigned);
   invoke<Word>(setter, native.words());
+  native.writeBack(declaration, arguments);
   runtime().deliverPendingException();
 }
 

@@ -15,6 +15,9 @@ namespace host {
 /// global methods.
 using Self = std::optional<Object*>;
 
+/// False for more parameters than a call has room for.
+bool fitsIntoCall(const Declaration& declaration);
+
 /// Calls a member's function with the object and the arguments, which fit the
 /// declaration. ByRef arguments are written back. Throws RaisedException if the
 /// plug-in raised an exception.

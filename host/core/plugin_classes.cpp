@@ -25,6 +25,10 @@ std::optional<Member> memberOf(const qrz::MethodRecord& record, Scope scope) {
     runtime().reportMisuse(std::string("a declaration that cannot be read: ") + error.what());
     return std::nullopt;
   }
+  if (!fitsIntoCall(member.declaration)) {
+    runtime().reportMisuse("a declaration of too many parameters: " + member.declaration.text);
+    return std::nullopt;
+  }
   member.isRegistered = true;
   member.flags = record.flags;
   member.function = reinterpret_cast<const void*>(record.function);

@@ -32,6 +32,8 @@ struct Guarded<service> {
       return service(arguments...);
     } catch (const RaisedException& raised) {
       runtime().setPendingException(raised.instance);
+    } catch (const std::bad_alloc&) {
+      return Result();
     } catch (const std::exception& problem) {
       runtime().reportMisuse(std::string("a service failed: ") + problem.what());
     }

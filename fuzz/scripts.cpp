@@ -12,6 +12,7 @@
 #include "fuzz/support/checks.h"
 #include "fuzz/support/memory_limit.h"
 #include "fuzz/support/plugin.h"
+#include "fuzz/support/text_mutator.h"
 #include "host/core/exception.h"
 #include "host/core/picture.h"
 #include "host/core/runtime.h"
@@ -139,6 +140,10 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
   refuseFiles();
   refuseWildAddresses();
   return 0;
+}
+
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* bytes, size_t size, size_t most, unsigned seed) {
+  return fuzz::mutateText(bytes, size, most, seed);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {

@@ -68,9 +68,9 @@ std::string withLineAgain(std::string_view text, Random& random) {
 size_t fuzz::mutateText(uint8_t* bytes, size_t size, size_t most, unsigned seed) {
   Random random(seed);
   const std::string_view text(reinterpret_cast<const char*>(bytes), size);
-  const auto kind = random() % 4;
+  const auto kind = random() % 8;
   if (kind < 2 || wordsOf(text).empty()) return LLVMFuzzerMutate(bytes, size, most);
-  const std::string result = kind == 2 ? withOtherWord(text, random) : withLineAgain(text, random);
+  const std::string result = kind < 6 ? withOtherWord(text, random) : withLineAgain(text, random);
   if (result.size() > most) return LLVMFuzzerMutate(bytes, size, most);
   std::ranges::copy(result, bytes);
   return result.size();

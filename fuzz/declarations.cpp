@@ -30,7 +30,8 @@ std::string exact(double number) {
   expect(std::isfinite(number));
   std::array<char, 40> buffer;
   constexpr auto kFormat = std::chars_format::scientific;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, kFormat).ptr;
+  auto* const end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, kFormat).ptr;
   return {buffer.data(), end};
 }
 

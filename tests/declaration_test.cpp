@@ -83,6 +83,7 @@ TEST(ParseDeclaration, SaysWhatWasExpectedAndWhere) {
       {"F(c as color = &cFFF)", "expected six hexadecimal digits after '&c' at column 16"},
       {"F(c as color = &", "expected '&c' or '&h' at column 16"},
       {"F(x as integer = 1.5)", "expected a default value of type Integer at column 18"},
+      {"F(x as double = -inf)", "expected a number at column 17"},
       {"F(x as integer = y)", "expected a default value at column 18"},
       {"F(s as string = \"a)", "expected a string that ends with '\"'"},
       {"F(x as integer = 1, y as integer)", "expected a default value, because"},

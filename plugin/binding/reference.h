@@ -20,7 +20,7 @@ class Reference {
   /// dropped either. Holds none before.
   void share(Handle handle) {
     isCounted_ = service::REALLockObject.isThere();
-    service::REALLockObject(asObject(handle));
+    if (isCounted_) service::REALLockObject(asObject(handle));
     handle_ = handle;
   }
   /// Takes over a reference. Holds none before.

@@ -6,9 +6,8 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
-#include <span>
 
-#include "platform/standin/standin.h"
+#include "tests/support/store_bytes.h"
 
 namespace host {
 
@@ -31,50 +30,19 @@ bool runApart(const std::string& what, const Representation& representation, uin
   return status == 0;
 }
 
-namespace {
-
-/// Calls `work` with each row's bytes behind the pixels. None of PICT data.
-void forEachRowEnd(Picture& picture, const std::function<void(std::span<uint8_t>)>& work) {
-  void* data = picture.store().data();
-  const int32_t type = picture.store().type();
-  if (type == qrz::kPictData) return;
-  const auto stride = static_cast<size_t>(standin::rowBytesFor(picture.width(), picture.depth()));
-  uint8_t* base = nullptr;
-  if (type == qrz::kGWorld) base = standin::pixelsOf(static_cast<GWorldPtr>(data)).base;
-  if (type == qrz::kHostBitmap) base = static_cast<qrz::HostBitmap*>(data)->rowTable[0];
-  if (type == qrz::kBitmapContext) {
-    base = static_cast<uint8_t*>(CGBitmapContextGetData(static_cast<CGContextRef>(data)));
-  }
-  const auto used = static_cast<size_t>(picture.width() * (picture.depth() / 8));
-  for (int32_t y = 0; y < picture.height(); ++y, base += stride) {
-    work({base + used, base + stride});
-  }
-}
-
-bool hasRowEnds(Picture& picture) {
-  bool areIntact = true;
-  forEachRowEnd(picture, [&](std::span<uint8_t> bytes) {
-    areIntact &= std::ranges::count(bytes, bytes.back()) == std::ssize(bytes);
-  });
-  return areIntact;
-}
-
-}  // namespace
-
 Ref<Picture> pictureWithRowEnds(const Representation& representation, PictureSize size,
                                 const std::vector<uint32_t>& words) {
   auto picture =
       Picture::create(representation.sources, size.width, size.height, representation.depth);
   picture->setPixels(words);
-  // New pictures have 0 there.
-  forEachRowEnd(*picture, [](std::span<uint8_t> bytes) { std::ranges::fill(bytes, 0xA5); });
+  markRowEnds(*picture);
   return picture;
 }
 
 void expectRowEnds() {
   for (const Object* object : Object::living()) {
     auto* picture = dynamic_cast<Picture*>(const_cast<Object*>(object));
-    EXPECT_TRUE(picture == nullptr || hasRowEnds(*picture)) << object->describe();
+    EXPECT_TRUE(picture == nullptr || rowEndsAreIntact(*picture)) << object->describe();
   }
 }
 

@@ -196,7 +196,11 @@ TEST_F(BindingTest, CopyRowsCopiesWholeBitmapsOnly) {
   bitmapOf(destination).width = record.width = 0;
   EXPECT_TRUE(copyRows(destination, odd, whole));
   bitmapOf(destination).width = record.width = 5;
+}
 
+TEST_F(BindingTest, BitmapsWithoutARecordAreNotCopied) {
+  const auto source = striped(Storage::Bitmap, 5, 3, 1);
+  const auto destination = striped(Storage::Bitmap, 5, 3, 77);
   static const Picture* withoutData = nullptr;
   runtime().replacedServices["REALLockPictureDescription"] = reinterpret_cast<void*>(
       +[](Picture* picture, qrz::PictureDescription* description, int32_t /*type*/) -> uint32_t {
@@ -204,9 +208,9 @@ TEST_F(BindingTest, CopyRowsCopiesWholeBitmapsOnly) {
         if (picture == withoutData) description->data = nullptr;
         return 1;
       });
-  for (const auto& picture : {odd, destination}) {
+  for (const auto& picture : {source, destination}) {
     withoutData = picture.get();
-    EXPECT_FALSE(copyRows(destination, odd, whole));
+    EXPECT_FALSE(copyRows(destination, source, {0, 0, 5, 3, 0, 0, 5, 3}));
   }
   runtime().replacedServices.clear();
 }

@@ -9,8 +9,8 @@ namespace {
 
 /// What a program of this build says there; what the emulator says is left out.
 std::string emulated(const std::string& processor, const std::string& command) {
-  return runCommand("qemu-i386 -cpu " + processor + " " QRZ_BUILD_FOLDER "/" + command +
-                    " 2>&1 | grep -v ^qemu-i386")
+  return runCommand("(qemu-i386 -cpu " + processor + " " QRZ_BUILD_FOLDER "/" + command +
+                    " 2>&1 | grep -v ^qemu-i386)")
       .output;
 }
 

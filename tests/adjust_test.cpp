@@ -139,10 +139,6 @@ using Table = std::vector<uint8_t>;
 
 class TransformTest : public AdjustTest {
  protected:
-  void SetUp() override {
-    guardMemoryBlocks();
-    AdjustTest::SetUp();
-  }
   Table randomTable(size_t size = 256) {
     Table table(size);
     for (uint8_t& byte : table) byte = static_cast<uint8_t>(random());
@@ -170,23 +166,6 @@ TEST_P(TransformTest, EachChannelHasItsTable) {
                [&](uint32_t rgb) { return (mapped(rgb) & 0xFF0000) | (rgb & 0x00FFFF); });
   expectMapped(kTransform, source, {identity(), identity(), identity()},
                [](uint32_t rgb) { return rgb; });
-}
-
-TEST_P(TransformTest, TablesAreThereAndLongEnough) {
-  const auto source = randomPicture(20, 3);
-  const Unchanged unchanged(source);
-  const Value table = identity();
-  for (size_t i = 0; i < 3; ++i) {
-    Arguments tables(3, table);
-    tables[i] = Nil{};
-    EXPECT_TRUE(callsDuring([&] { EXPECT_FALSE(filter(kTransform, source, tables)); }).empty())
-        << "table " << i << " is nil";
-    for (const size_t size : {0U, 1U, 128U, 255U}) {
-      tables[i] = objectValue(memoryBlock(randomTable(size)));
-      EXPECT_FALSE(filter(kTransform, source, tables)) << size << " bytes of table " << i;
-    }
-  }
-  EXPECT_EQ(objectOf(table)->references(), 1);
 }
 
 TEST_P(TransformTest, TablesAreFetchedWhenTheNewPictureIsThere) {

@@ -170,15 +170,6 @@ TEST_F(ExchangeTest, PictDataIsHandedOutAsItIs) {
   EXPECT_EQ(picHandleData(pictOf("")), "");
 }
 
-TEST_F(ExchangeTest, NilGivesNilWithoutACall) {
-  EXPECT_EQ(callsDuring([] {
-              EXPECT_FALSE(picHandle(nullptr));
-              EXPECT_EQ(picHandleData(nullptr), "");
-              EXPECT_EQ(toString(nullptr), "");
-            }),
-            Calls{});
-}
-
 TEST_F(ExchangeTest, DataMakesAPicture) {
   for (const std::string& data : {pictData, std::string("x"), std::string(70000, 'y')}) {
     const auto picture = fromPicHandleData(data);

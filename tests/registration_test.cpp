@@ -267,45 +267,9 @@ TEST_F(RegistrationTest, HostWithoutAVersionGetsTheOldFlags) {
   EXPECT_EQ(member("Picture", "InvertQRZ as picture").flags, 0x40000U);
 }
 
-/// What the host cannot take is not given back.
-TEST_F(RegistrationTest, ReferencesThatWereNotAddedAreNotDropped) {
-  loadPlugin(pluginPath());
-  runtime().replacedServices["REALLockObject"] = nullptr;
-  const auto picture = Picture::create(Storage::GWorld, 3, 3);
-  EXPECT_TRUE(filter("InvertQRZ as picture", picture));
-  EXPECT_EQ(picture->references(), 1);
-  call("Picture", "CountColorQRZ(col as color) as integer", picture.get(), {Color{0}});
-  EXPECT_EQ(picture->references(), 1);
-  const auto pict = filter("PicHandleQRZ as picture", picture);
-  EXPECT_FALSE(filter("PicHandleQRZ as picture", pict)) << "it would be one reference short";
-  EXPECT_EQ(pict->references(), 1);
-  EXPECT_FALSE(filter("InvertQRZ as picture", Picture::create(Storage::GWorld, 3, 3, 16)))
-      << "the copy to read from would be gone";
-}
-
-TEST_F(RegistrationTest, DescriptionsThatWereNotLockedAreNotUnlocked) {
-  loadPlugin(pluginPath());
-  runtime().replacedServices["lockPictureDescription"] = nullptr;
-  const auto picture = Picture::create(Storage::GWorld, 3, 3);
-  for (const char* member : {"InvertQRZ as picture", "PicHandleQRZ as picture"}) {
-    filter(member, picture);
-    EXPECT_TRUE(runtime().misuses().empty()) << member;
-  }
-}
-
-TEST_F(RegistrationTest, ExceptionsThatCannotBeRaisedAreNotMade) {
-  loadPlugin(pluginPath());
-  runtime().replacedServices["RuntimeRaiseException"] = nullptr;
-  const auto picture = Picture::create(Storage::GWorld, 3, 3);
-  EXPECT_FALSE(filter("ReplaceRedChannelQRZ(RedChannel as picture) as picture", picture, {Nil{}}));
-  EXPECT_EQ(Object::living().size(), 1U);
-}
-
-/// Fails every look-up.
-bool knowsNothing(const char* event) { return !std::string_view(event).starts_with("resolve "); }
-
 TEST_F(RegistrationTest, HostThatKnowsNothing) {
-  runtime().setCallHook(knowsNothing);
+  runtime().setCallHook(
+      [](const char* event) { return !std::string_view(event).starts_with("resolve "); });
   loadPlugin(pluginPath());
   EXPECT_FALSE(runtime().registry.findClass("PictureLut3DQRZ"));
   EXPECT_TRUE(runtime().registry.globals().empty());

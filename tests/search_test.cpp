@@ -120,8 +120,6 @@ TEST_P(SearchTest, NearlyFlatPictures) {
 TEST_P(SearchTest, WholeTooLargeAndNil) {
   const auto haystack = randomPicture(21, 8);
   EXPECT_EQ(find(haystack, haystack), (Found{true, 0, 0}));
-  expectAsNaive(haystack, cutOut(*haystack, 0, 0, 21, 8));
-  expectAsNaive(haystack, cutOut(*haystack, 20, 7, 1, 1));
   for (const auto& [width, height] : {std::pair{22, 1}, {1, 9}, {22, 9}}) {
     EXPECT_EQ(find(haystack, randomPicture(width, height)), kNothing);
   }
@@ -153,9 +151,8 @@ TEST_F(SearchCallsTest, RowTableFirst) {
 }
 
 TEST_F(SearchCallsTest, Bitmaps) {
-  const Calls expected = joined({openBitmap, openBitmap, closeBitmap, closeBitmap});
-  EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce), expected);
-  EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce), expected);
+  EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::Bitmap, kAtOnce),
+            joined({openBitmap, openBitmap, closeBitmap, closeBitmap}));
   EXPECT_EQ(callsOfFind(Storage::Bitmap, Storage::GWorld, kNothing),
             joined({openBitmap, refuse, closeBitmap}));
 }

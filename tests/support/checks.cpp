@@ -1,11 +1,7 @@
 #include "tests/support/checks.h"
 
 #include <algorithm>
-#include <deque>
 #include <limits>
-#include <map>
-
-#include "tests/support/guarded_row.h"
 
 namespace host {
 
@@ -39,80 +35,6 @@ Unchanged::~Unchanged() {
   EXPECT_EQ(picture_.locks(), 0) << picture_.describe();
 }
 
-namespace {
-
-int callsUntilFailure = 0;
-bool failsForGood = false;
-
-/// A service that is there is found, or what was taken could not be given back.
-bool failInTurn(const char* call) {
-  if (std::string_view(call).starts_with("resolve ")) return true;
-  --callsUntilFailure;
-  return callsUntilFailure > 0 || (callsUntilFailure < 0 && !failsForGood);
-}
-
-}  // namespace
-
-void expectNothingLeftByFailures(const std::function<void()>& work) {
-  const auto before = runtime().findLeaks();
-  for (const bool forGood : {true, false}) {
-    failsForGood = forGood;
-    bool failed = true;
-    for (int call = 1; failed; ++call) {
-      const testing::ScopedTrace trace(__FILE__, __LINE__, "call " + std::to_string(call));
-      callsUntilFailure = call;
-      runtime().setCallHook(failInTurn);
-      work();
-      runtime().setCallHook(nullptr);
-      failed = callsUntilFailure <= 0;
-      EXPECT_TRUE(failed || call > 1) << "the work makes no calls";
-      EXPECT_EQ(runtime().findLeaks(), before);
-    }
-  }
-}
-
-namespace {
-
-using LockService = uint32_t (*)(Picture*, qrz::PictureDescription*);
-using UnlockService = void (*)(Picture*);
-
-LockService hostLock = nullptr;
-UnlockService hostUnlock = nullptr;
-std::map<const void*, std::string> pictureNames;
-std::string lockEvents;
-
-void record(char event, const void* picture) {
-  const auto found = pictureNames.find(picture);
-  if (!lockEvents.empty()) lockEvents += ' ';
-  lockEvents += event + (found != pictureNames.end() ? found->second : "new");
-}
-
-uint32_t recordLock(Picture* picture, qrz::PictureDescription* description) {
-  record('+', picture);
-  return hostLock(picture, description);
-}
-
-void recordUnlock(Picture* picture) {
-  record('-', picture);
-  hostUnlock(picture);
-}
-
-}  // namespace
-
-LockLog::LockLog() {
-  hostLock = reinterpret_cast<LockService>(resolveService("lockPictureDescription"));
-  hostUnlock = reinterpret_cast<UnlockService>(resolveService("unlockPictureDescription"));
-  auto& services = runtime().replacedServices;
-  services["lockPictureDescription"] = reinterpret_cast<void*>(recordLock);
-  services["unlockPictureDescription"] = reinterpret_cast<void*>(recordUnlock);
-}
-
-void LockLog::name(const Ref<Picture>& picture, std::string name) {
-  pictureNames[picture.get()] = std::move(name);
-}
-
-std::string LockLog::take() { return std::exchange(lockEvents, {}); }
-
 using Limits = std::numeric_limits<double>;
 const std::vector<double> hostileNumbers = {
     // of doubles
@@ -128,25 +50,6 @@ const std::vector<double> hostileNumbers = {
 
 Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes) {
   return makeObject<MemoryBlock>(std::move(bytes));
-}
-
-namespace {
-
-/// A copy that ends where memory ends. It stays until the process ends.
-void* guardedBytes(MemoryBlock* block) {
-  if (!runtime().called("memoryBlockGetPtr") || block->bytes.empty()) return nullptr;
-  static std::deque<GuardedRow> copies;
-  GuardedRow& copy = copies.emplace_back(block->bytes.size());
-  copy.place(block->bytes.size(), 0, 1, 0);
-  uint8_t* bytes = copy;
-  std::copy(block->bytes.begin(), block->bytes.end(), bytes);
-  return bytes;
-}
-
-}  // namespace
-
-void guardMemoryBlocks() {
-  runtime().replacedServices["memoryBlockGetPtr"] = reinterpret_cast<void*>(guardedBytes);
 }
 
 }  // namespace host

@@ -1,5 +1,4 @@
-// Checks that the tests of the members share: new pictures, unchanged sources,
-// the order of locks, and what is left when the host fails.
+// Checks that the tests of the members share: new pictures, unchanged sources.
 #pragma once
 
 #include <functional>
@@ -47,32 +46,10 @@ class Unchanged {
   int32_t references_;
 };
 
-/// Does the work again and again, until no call to the host or the platform
-/// fails: with the first call and all later ones failing, then from the second
-/// on, and so on; and all over again with that one call failing and none after
-/// it. Nothing may be left each time.
-void expectNothingLeftByFailures(const std::function<void()>& work);
-
-/// Records from its start on which pictures the plug-in locks ("+name") and
-/// unlocks ("-name"). One in a process, before the plug-in's first call.
-class LockLog {
- public:
-  LockLog();
-  /// Pictures without a name are "new".
-  void name(const Ref<Picture>& picture, std::string name);
-  /// What was locked and unlocked since the last time, separated by spaces.
-  std::string take();
-};
-
 /// Numbers at the edges of what doubles, integers, channels and weights can be.
 extern const std::vector<double> hostileNumbers;
 
 /// A block of the host's with these bytes.
 Ref<MemoryBlock> memoryBlock(std::vector<uint8_t> bytes);
-
-/// From now on the plug-in finds the bytes of every memory block at the very end
-/// of accessible memory: reading one byte more ends the process. Before the
-/// plug-in's first call.
-void guardMemoryBlocks();
 
 }  // namespace host

@@ -30,10 +30,6 @@ class AccessorTest : public PluginTest {
     const auto result = filter(kInvert, source);
     return result && result->pixel(2, 2) == 0xEFBF7F && result->pixel(0, 0) == 0;
   }
-  /// A host whose newPicture is another function.
-  static void replaceNewPicture(Object* (*function)(int32_t, int32_t, int32_t)) {
-    runtime().replacedServices["newPicture"] = reinterpret_cast<void*>(function);
-  }
 };
 
 // --- Order of calls ----------------------------------------------------------
@@ -173,14 +169,12 @@ TEST_P(UnusableBitmapTest, SettlesTheReaderAllTheSame) {
 
 // --- New pictures that cannot be written -------------------------------------
 
-/// A bitmap context of another pixel size, or without pixels or distance of rows.
+/// A bitmap context of another pixel size.
 class OddContext final : public PixelStore {
  public:
-  OddContext(int32_t width, int32_t height, size_t component, size_t pixel, bool hasData,
-             bool hasRows)
+  OddContext(int32_t width, int32_t height, size_t component, size_t pixel)
       : bytes_(static_cast<size_t>(width) * static_cast<size_t>(height) * 8),
-        context_(standin::newBitmapContext(hasData ? bytes_.data() : nullptr,
-                                           hasRows ? static_cast<size_t>(width) * 8 : 0, component,
+        context_(standin::newBitmapContext(bytes_.data(), static_cast<size_t>(width) * 8, component,
                                            pixel)),
         width_(width),
         height_(height) {}
@@ -200,9 +194,9 @@ class OddContext final : public PixelStore {
   int32_t height_;
 };
 
-template <size_t Component, size_t Pixel, bool HasData, bool HasRows>
+template <size_t Component, size_t Pixel>
 Object* newOddContext(int32_t width, int32_t height, int32_t /*depth*/) {
-  auto store = std::make_unique<OddContext>(width, height, Component, Pixel, HasData, HasRows);
+  auto store = std::make_unique<OddContext>(width, height, Component, Pixel);
   return makeObject<Picture>(std::move(store)).detach();
 }
 
@@ -210,13 +204,10 @@ using NewPicture = Object* (*)(int32_t width, int32_t height, int32_t depth);
 
 class OddContextTest : public AccessorTest, public testing::WithParamInterface<NewPicture> {};
 INSTANTIATE_TEST_SUITE_P(All, OddContextTest,
-                         testing::Values(newOddContext<8, 24, true, true>,
-                                         newOddContext<16, 32, true, true>,
-                                         newOddContext<8, 32, false, true>,
-                                         newOddContext<8, 32, true, false>));
+                         testing::Values(newOddContext<8, 24>, newOddContext<16, 32>));
 
 TEST_P(OddContextTest, IsReleased) {
-  replaceNewPicture(GetParam());
+  runtime().replacedServices["newPicture"] = reinterpret_cast<void*>(GetParam());
   EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld)));
   EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::GWorld))); }),
             joined({openGWorld,

@@ -323,7 +323,7 @@ class Combinations {
       combine(SIZE_MAX, 0);
     } else {
       if (alone <= most) combine(pairs <= most ? 2 : 1, 0);
-      addRandom(std::min<size_t>(most, 500));
+      addRandom(std::min<size_t>(most, 1000));
     }
   }
   [[nodiscard]] size_t size() const { return picks_.size(); }
@@ -509,7 +509,7 @@ auto balanceOf(const Objects& objects) {
 
 /// What they share.
 struct Shared {
-  static constexpr size_t kMostCalls = 12000;
+  static constexpr size_t kMostCalls = 6000;
   size_t outcomes[std::size(allRepresentations)][kMostCalls];  ///< hashes; 0: not compared
   size_t calls;    ///< of a member on one representation, so far
   size_t skipped;  ///< of them
@@ -518,7 +518,7 @@ struct Shared {
 Shared& shared = *static_cast<Shared*>(
     mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
 
-constexpr Setting kSmall{{7, 5}, 10000};
+constexpr Setting kSmall{{7, 5}, 4000};
 constexpr Setting kOtherSizes[] = {{{1, 1}, 100},    {{1, 9}, 100},    {{9, 1}, 100},
                                    {{2, 65}, 100},   {{65, 2}, 100},   {{32767, 1}, 12},
                                    {{40000, 2}, 12}, {{1, 40000}, 12}, {{2, 32767}, 12}};

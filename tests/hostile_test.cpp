@@ -83,7 +83,7 @@ std::vector<Type> inputsOf(const Target& target) {
   for (const Parameter& parameter : target.member->declaration.parameters)
     inputs.push_back(parameter.type);
   if (target.assigns) inputs.push_back(target.member->assignedType);
-  if (target.usesProperties()) {
+  if (target.owner != nullptr && target.usesProperties()) {
     for (const Member* property : propertiesOf(*target.owner))
       inputs.push_back(property->assignedType);
   }

@@ -375,7 +375,7 @@ Value callWithWords(const Target& target, std::span<Value> inputs) {
   Declaration declaration = target.member->declaration;
   Self self;
   if (target.owner != nullptr) {
-    const auto* word = std::get_if<int32_t>(&inputs[0]);
+    const auto* word = std::get_if<int32_t>(inputs.data());
     self = word != nullptr ? reinterpret_cast<Object*>(*word) : objectOf(inputs[0]);
     inputs = inputs.subspan(1);
   }

@@ -71,12 +71,6 @@ auto dynamicTable(const std::function<void(DynamicSymbolTableCommand&)>& work) {
   return changing<DynamicSymbolTableCommand>(
       [](const Bytes& bundle) { return commandAt(bundle, CommandType::DynamicSymbolTable); }, work);
 }
-/// The identifier's command, which has the size of a symbol table's.
-auto uuidAs(CommandType type) {
-  return changing<mach_o::Command>(
-      [](const Bytes& bundle) { return commandAt(bundle, CommandType::Uuid); },
-      [type](mach_o::Command& it) { it.type = type; });
-}
 auto symbol(uint32_t n, const std::function<void(Symbol&)>& work) {
   return changing<Symbol>(
       [n](const Bytes& bundle) {
@@ -108,7 +102,6 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
   } refusals[] = {
       {"not one for i386 alone", header([](Header& it) { it.magic = 0xFEEDFACF; })},
       {"another processor than i386: type 0x12", header([](Header& it) { it.cpuType = 18; })},
-      {"type 0x7, subtype 0x4", header([](Header& it) { it.cpuSubtype = 4; })},
       {"a Mach-O file of type 0x6", header([](Header& it) { it.fileType = 6; })},
       {"unknown header flags 0x2085", header([](Header& it) { it.flags |= 0x2000; })},
       {"more load commands than room", header([](Header& it) { ++it.commandCount; })},
@@ -122,21 +115,11 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
       {"not laid out in pages: __DATA", segment(1, [](SegmentCommand& it) { it.address += 16; })},
       {"a segment above 0x10000000: __DATA",
        segment(1, [](SegmentCommand& it) { it.size = 0xFFFFF000; })},
-      {"not laid out in pages: __TEXT", segment(0, [](SegmentCommand& it) { it.size = 0; })},
-      {"do not follow each other: __TEXT and __LINKEDIT",
-       segment(2, [](SegmentCommand& it) { it.address = 0; })},
       {"do not follow each other: __DATA and __LINKEDIT",
        segment(2, [](SegmentCommand& it) { it.address += mach_o::kPageSize; })},
-      {"no segment at address 0", header([](Header& it) {
-         it.commandCount = 0;
-         it.commandsSize = 0;
-       })},
       {"unknown flags of the segment __DATA", segment(1, [](SegmentCommand& it) { it.flags = 1; })},
-      {"unknown protection of the segment __LINKEDIT",
-       segment(2, [](SegmentCommand& it) { it.initialProtection = 9; })},
       {"unknown protection of the segment __TEXT",
        segment(0, [](SegmentCommand& it) { it.maximumProtection = mach_o::kRead; })},
-      {"second or damaged LC_SYMTAB", uuidAs(CommandType::SymbolTable)},
       {"second or damaged LC_UUID",
        symbolTable([](SymbolTableCommand& it) { it.command.type = CommandType::Uuid; })},
       {"code that can be changed in the segment __DATA",
@@ -146,27 +129,12 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
       {"before its segments", segment(2, [](SegmentCommand& it) { it.fileOffset = 0x7FFFFFFF; })},
       {"has constructors, which run when it is loaded (__DATA,__data)",
        section([](Section& it) { it.flags = 9; })},
-      {"unknown kind 0x6: __DATA,__data", section([](Section& it) { it.flags = 6; })},
       {"a section outside its segment", section([](Section& it) { it.size = 0xFFFFFFFF; })},
       {"a section without its bytes", section([](Section& it) { it.fileOffset += 4; })},
       {"relocations of its own", section([](Section& it) { it.relocationCount = 1; })},
       {"before its symbols", symbolTable([](SymbolTableCommand& it) { it.symbolCount = ~0U; })},
       {"a name outside its table", symbolTable([](SymbolTableCommand& it) { it.stringSize = 1; })},
-      {"a name without an end, or one that is too long",
-       [](Bytes& bundle) {
-         const auto size = static_cast<uint32_t>(bundle.size());
-         symbolTable([size](SymbolTableCommand& it) {
-           it.stringOffset = size;
-           it.stringSize = 301;
-         })(bundle);
-         bundle.resize(size + 300, 'A');
-         bundle.push_back(0);
-       }},
-      {"imports _, which is no C function",
-       [](Bytes& bundle) { bundle[offsetOf(bundle, "_GetHandleSize") + 1] = 0; }},
       {"outside the range of its kind: _REAL", dynamicTable([](auto& it) { it.definedCount = 0; })},
-      {"outside the range of its kind: _", dynamicTable([](auto& it) { ++it.firstUndefined; })},
-      {"outside the range of its kind: _", dynamicTable([](auto& it) { --it.undefinedCount; })},
       {"does not export REALPluginMain",
        [](Bytes& bundle) {
          symbolTable([](SymbolTableCommand& it) {
@@ -181,21 +149,15 @@ TEST(BundleLoading, RefusesWithTheReasonWhatItDoesNotKnow) {
       {"a name with strange characters",
        [](Bytes& bundle) { bundle[offsetOf(bundle, "_GetHandleSize") + 1] = '\n'; }},
       {"in an unknown way: 0xFE00", symbol(1, [](Symbol& it) { it.value = 8; })},
-      {"in an unknown way: 0x400", symbol(1, [](Symbol& it) { it.description = 4 << 8; })},
-      {"in an unknown way: 0x340", symbol(1, [](Symbol& it) { it.description = 3 << 8 | 0x40; })},
       {"or indirect symbols", dynamicTable([](auto& it) { it.indirectCount = 1; })},
       {"before its local relocations",
        dynamicTable([](auto& it) { it.localRelocationCount = 0x40000000; })},
       {"relocation of an unknown kind", localRelocation([](auto& it) { it.target |= 1 << 24; })},
-      {"relocation of an unknown kind", localRelocation([](auto& it) { it.address |= 1U << 31; })},
       {"relocation outside its data at 0x1000",
        localRelocation([](auto& it) { it.address = 0x1000; })},
-      {"relocation outside its data at 0x7FFFFFFE",
-       externalRelocation([](auto& it) { it.address = 0x7FFFFFFE; })},
       {"relocation outside its data at 0x2FFD",
        externalRelocation([](auto& it) { it.address = kSmallData + mach_o::kPageSize - 3; })},
       {"section that is not there", localRelocation([](auto& it) { it.target &= 7U << 25; })},
-      {"section that is not there", localRelocation([](auto& it) { it.target |= 7; })},
       {"relocation of 0x10000, which is no address of its own",
        [](Bytes& bundle) {
          const auto place = recordAt<Relocation>(bundle, tablesOf(bundle).localRelocationOffset);
@@ -393,33 +355,6 @@ TEST_F(BundleCommandTest, TheGalleryIsTheSameWithEitherArtefactAtAnyAddress) {
       reinterpret_cast<void (*)(void* (*)(const char*))>(image.entryPoint())(resolveService);
     });
     EXPECT_TRUE(page == wanted) << address;
-  }
-}
-
-/// The check of the build, on a bundle with a changed byte.
-TEST_F(BundleCommandTest, TheCheckByOtherProgramsFindsABrokenRelocation) {
-  const auto check = [this](const Bytes& bundle) {
-    store("checked", bundle);
-    return runCommand(QRZ_SOURCE_FOLDER "/tests/bundle_test " + path("checked") +
-                      " " QRZ_BUILD_FOLDER "/PictureQRZ.so " QRZ_BUILD_FOLDER "/libplatform.so");
-  };
-  const Bytes bundle = shippedBundle();
-  EXPECT_EQ(check(bundle).output, "");
-  const std::pair<const char*, std::function<void(Bytes&)>> faults[] = {
-      {"relocations:", localRelocation([](Relocation& it) { it.address += 4; })},
-      {"relocations:", dynamicTable([](auto& it) { --it.localRelocationCount; })},
-      {"relocations:", externalRelocation([](Relocation& it) { ++it.target; })},
-      {"imports:", symbol(3, [](Symbol& it) { ++it.name; })},
-      {"the export:", symbol(0, [](Symbol& it) { it.value += 16; })},
-      {"kinds of sections:", section([](Section& it) { it.flags = 9; })},
-      {".text is not that", [](Bytes& damaged) { damaged[0x2000] ^= 1; }},
-  };
-  for (const auto& [reason, damage] : faults) {
-    Bytes damaged = bundle;
-    damage(damaged);
-    const Outcome outcome = check(damaged);
-    EXPECT_EQ(outcome.status, 1) << reason;
-    EXPECT_NE(outcome.output.find(reason), std::string::npos) << reason << outcome.output;
   }
 }
 

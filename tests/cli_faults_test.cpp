@@ -9,12 +9,6 @@
 namespace host {
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool kHasSanitizers = true;  // they end a process that asks for too much memory
-#else
-constexpr bool kHasSanitizers = false;
-#endif
-
 std::string repeated(const std::string& text, int count) {
   std::string result;
   for (int i = 0; i < count; ++i) result += text;
@@ -83,6 +77,10 @@ TEST_F(CliFaultsTest, WrongUsage) {
       {"qrz run", 2, "qrz: script is required" + help},
       {"qrz gallery", 2, "qrz: folder is required" + help},
       {"qrz bench --size nanxnan", 2, size + "nanxnan'" + help},
+      {"qrz bench --size 12", 2, size + "12'" + help},
+      {"qrz bench --size 0x5", 2, size + "0x5'" + help},
+      {"qrz bench --size 5x5x5", 2, size + "5x5x5'" + help},
+      {"qrz bench --members Nothing", 1, "no member that is measured matches 'Nothing'"},
       {"qrz apply self sample:colors -o none", 2,
        "none: unknown picture format; use .png, .jpg, .bmp, .tga or .pict"},
       {"qrz apply self sample:colors -o ''", 2,
@@ -159,9 +157,15 @@ TEST_F(CliFaultsTest, FilesThatCannotBeWritten) {
   };
   for (const Fault& fault : faults) expect(fault);
   EXPECT_EQ(inFolder("ls dir x.bmp x.png out.bin 2>/dev/null").output, "dir:\n");
-  // A link goes on pointing to its file, which it is that is written.
-  expect({"qrz apply self sample:colors -o link.png", 0, ""});
+  // The old file stays.
+  EXPECT_EQ(inFolder("echo old >x.bmp; ulimit -f 1; qrz apply self sample:colors -o x.bmp "
+                     "2>/dev/null; cat x.bmp")
+                .output,
+            "old\n");
+  // A link goes on pointing to its file, which it is that is written and keeps its permissions.
+  expect({"touch made.png; chmod 640 made.png; qrz apply self sample:colors -o link.png", 0, ""});
   expect({"qrz apply self.InvertQRZ link.png -o made.png", 0, ""});
+  EXPECT_EQ(inFolder("stat -c %a made.png").output, "640\n");
   EXPECT_EQ(inFolder("test -L link.png && test ! -L made.png && qrz apply "
                      "'self.Width' link.png")
                 .output,
@@ -218,12 +222,21 @@ TEST_F(CliFaultsTest, DeepNestingOnASmallStack) {
         << outcome.output;
     EXPECT_LT(outcome.output.size(), 700U);
   }
-  write("deep", "If False Then\n" + repeated("ElseIf False Then\n", kDeep) + "End If\nPrint 7");
-  EXPECT_EQ(inFolder("ulimit -s 1024; qrz run deep").output, "7\n");
+  const std::string fine[] = {
+      "If False Then\n" + repeated("ElseIf False Then\n", kDeep) + "End If\nPrint 7",
+      "Print " + repeated("_\n", kDeep) + "7",
+      "Print " + repeated("(", 150) + "7" + repeated(")", 150),
+  };
+  for (const std::string& source : fine) {
+    write("deep", source);
+    EXPECT_EQ(inFolder("ulimit -s 1024; qrz run deep").output, "7\n");
+  }
 }
 
 TEST_F(CliFaultsTest, TooLittleMemory) {
-  if (kHasSanitizers) GTEST_SKIP();
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "sanitizers end a process that asks for too much memory";
+#endif
   write("double.rbs", "Dim s As String = \"x\"\nWhile True\ns = s + s\nWend\n");
   write("caught.rbs",
         "Dim s As String = \"x\"\nTry\nWhile True\ns = s + s\nWend\n"

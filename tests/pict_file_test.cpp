@@ -53,18 +53,6 @@ class PictFileTest : public FolderTest {
   }
 };
 
-TEST_F(PictFileTest, PicturesOfPictDataAreSavedAndCopied) {
-  const auto source = openPicture("sample:landscape@160x90");
-  const auto picture = pictureOver(record(source));
-  savePicture(*picture, path("saved.png"));
-  EXPECT_EQ(colors(*openPicture(path("saved.png"))), colors(*source));
-  for (const Storage storage : {Storage::GWorld, Storage::Bitmap}) {
-    const auto copy = Picture::create(storage, 160, 90);
-    drawPicture(*copy, *picture, {0, 0, 160, 90, 0, 0, 160, 90});
-    EXPECT_EQ(colors(*copy), colors(*source));
-  }
-}
-
 TEST_F(PictFileTest, FilesWithAndWithoutTheirHeader) {
   for (const Bytes& data : {twoPixels(1), twoPixels(2), twoPixels(2, 0x424D), twoPixels(2, 0x5036),
                             twoPixels(2, 0xFFD8)}) {
@@ -120,13 +108,6 @@ TEST_F(PictFileTest, FilesThatCannotBe) {
   EXPECT_EQ(outcome.output, path("wide.pict") +
                                 ": more than 4095 pixels across or 32767 down do not "
                                 "fit this format; use .png or .bmp\n");
-}
-
-TEST_F(PictFileTest, DamagedFilesShowWhatCameBefore) {
-  Bytes bytes = twoPixels(2);
-  const Bytes start(bytes.begin(), bytes.begin() + 40);
-  write("cut.pict", start);
-  EXPECT_EQ(openPicture(path("cut.pict"))->pixels(), Words(2, 0x00FFFFFF));
 }
 
 TEST_F(PictFileTest, ScriptsReadPicturesOfPictData) {

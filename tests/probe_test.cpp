@@ -67,18 +67,5 @@ TEST_F(ProbeTest, WhatWasForgottenIsReported) {
   EXPECT_EQ(freed.output, "error: freed while locked: Picture 4x3 (GWorld 32)\n");
 }
 
-TEST_F(ProbeTest, WrongArgumentsNeverReachThePlugin) {
-  for (const auto& [script, output] : {
-           Case{"Print ProbeSum(\"x\", 1)", "ProbeSum does not take (String, Integer)"},
-           Case{"Dim d As Double\nProbeRefs(1, d, Nil, True)",
-                "a ByRef argument must be a variable"},
-           Case{"Dim p As New Picture(1, 1)\np.Mask = New MemoryBlock(3)", "must be Picture"},
-       }) {
-    const Outcome outcome = run(script);
-    EXPECT_EQ(outcome.status, 1) << script;
-    EXPECT_NE(outcome.output.find(output), std::string::npos) << script << "\n" << outcome.output;
-  }
-}
-
 }  // namespace
 }  // namespace host

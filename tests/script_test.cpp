@@ -476,83 +476,6 @@ TEST_F(ScriptTest, ErrorsShowTheLineWithACaret) {
   EXPECT_EQ(outcome("Print \x1B\x01"), "demo.rbs:1:7: unexpected character\nPrint ??\n      ^");
 }
 
-TEST_F(ScriptTest, NestingIsLimited) {
-  const auto repeated = [](const char* text, int count) {
-    std::string result;
-    for (int i = 0; i < count; ++i) result += text;
-    return result;
-  };
-  EXPECT_EQ(outcome("Print " + repeated("(", 150) + "1" + repeated(")", 150)), "1\n");
-  const std::string sources[] = {
-      "Print " + repeated("(", 9999) + "1", "Print 1" + repeated("+1", 9999),
-      "Print " + repeated("-", 9999) + "1", "Print x" + repeated(".y", 9999),
-      repeated("If True Then ", 9999),      repeated("While True\n", 9999),
-  };
-  for (const std::string& source : sources) {
-    EXPECT_NE(outcome(source).find("nested more than 200 levels deep"), std::string::npos);
-  }
-  EXPECT_EQ(outcome("Print " + repeated("_\n", 99999) + "1"), "1\n");
-  EXPECT_EQ(outcome("Sub F()\nF\nEnd Sub\nTry\nF\nCatch e As StackOverflowException\nPrint 1\n"
-                    "End Try"),
-            "1\n");
-}
-
-/// Uses every construct, so that cutting it passes through every parser state.
-constexpr const char* everything = R"(Dim a(2), n As Integer, c As Color = &cFF8000 ' comment
-Dim b As New Box(3)
-For i As Integer = 0 To 2 Step 1
-  a(i) = i * -2 + (c.Red \ 3) Mod 7
-  If i = 1 Then Continue For Else Print "i = """ & i & """"
-Next i
-While n < 3 And Not (b Is Nil)
-  n = n + 1
-Wend
-Do
-  n = n - 1
-  If n = 1 Then
-    Exit Do
-  ElseIf n > 9 Then
-    Return
-  Else
-    b.Grow n, 2
-  End If
-Loop Until n <= 0
-Try
-  b.Cell(1, 2.5) = &hFF
-  b.Fail "x" + _
-    "y"
-Catch e As NilObjectException
-  Print 1
-Catch e
-  Print e.Message, Twice(n), Box.Open.Width
-Finally
-  Call b.Grow(1)
-End Try
-Function Twice(ByRef x As Integer) As Double
-  Return x * 2.5e0
-End Function
-)";
-
-TEST_F(ScriptTest, TruncatedScriptsEndInAnErrorOrSuccess) {
-  const std::string source = everything;
-  EXPECT_EQ(outcome(source), "i = \"0\"\ni = \"2\"\nxy 2.5 7\n");
-  for (size_t length = 0; length < source.size(); ++length) outcome(source.substr(0, length));
-}
-
-TEST_F(ScriptTest, DamagedScriptsParseOrFail) {
-  for (size_t i = 0; i < std::string(everything).size(); ++i) {
-    for (const char damage : {'\0', '\n', '"', '&', '(', ')', '.', '_', '=', '\'', '1', '\xFF'}) {
-      std::string source = everything;
-      source[i] = damage;
-      try {
-        Script::parse(source, "demo.rbs");
-      } catch (const ScriptError& error) {
-        EXPECT_EQ(std::string(error.what()).find("demo.rbs:"), 0u);
-      }
-    }
-  }
-}
-
 // ---- Interpreter
 
 TEST_F(ScriptTest, EvaluatesOneExpression) {
@@ -586,22 +509,6 @@ TEST_F(ScriptTest, VariablesOfAFailedRunAreReleased) {
     EXPECT_THROW(interpreter.run(script), ScriptError);
     EXPECT_TRUE(Object::living().empty());
   }
-}
-
-TEST_F(ScriptTest, InterruptEndsEmptyLoops) {
-  std::ostringstream output;
-  const volatile sig_atomic_t flag = 1;
-  for (const char* source : {"While True\nWend", "Do\nLoop", "Try\nPrint 1\nCatch\nEnd Try"}) {
-    Interpreter interpreter(registry_, output);
-    interpreter.setInterruptFlag(&flag);
-    try {
-      interpreter.run(Script::parse(source, "demo.rbs"));
-      ADD_FAILURE() << source;
-    } catch (const ScriptError& error) {
-      EXPECT_EQ(std::string(error.what()).find("demo.rbs:1:1: interrupted"), 0u);
-    }
-  }
-  EXPECT_EQ(output.str(), "");
 }
 
 // ---- Helpers

@@ -65,46 +65,6 @@ TEST_F(StandinTest, ContextBecomesAGWorldOverTheSamePixels) {
   EXPECT_EQ(picture->pixels(), before);
 }
 
-TEST_F(StandinTest, ScrollRectMovesAndClears) {
-  const auto between = [&](int low, int high) {
-    return static_cast<int16_t>(low +
-                                static_cast<int>(random() % static_cast<uint32_t>(high - low)));
-  };
-  CGrafPtr screen = nullptr;
-  GDHandle device = nullptr;
-  GetGWorld(&screen, &device);
-  for (int i = 0; i < 600; ++i) {
-    const int32_t depth = std::array{32, 24, 16}.at(static_cast<size_t>(i) % 3);
-    const auto picture = Picture::create(Storage::GWorld, 9, 6, depth);
-    const auto before = Picture::create(Storage::GWorld, 9, 6);
-    before->setPixels(randomWords(*picture, random));
-    picture->setPixels(before->pixels());
-    SetGWorld(static_cast<GWorldPtr>(picture->store().data()), nullptr);
-    BackColor(i % 2 == 0 ? 30 : 205);
-    Rect r;
-    SetRect(&r, between(-3, 6), between(-3, 4), between(3, 14), between(2, 12));
-    const int16_t dh = i % 50 == 0 ? int16_t{-32768} : between(-12, 13);
-    const int16_t dv = i % 50 == 1 ? int16_t{32767} : between(-9, 10);
-    RgnHandle region = NewRgn();
-    ScrollRect(&r, dh, dv, region);
-    DisposeRgn(region);
-    const auto isInside = [&](int32_t x, int32_t y) {
-      return x >= std::max<int32_t>(r.left, 0) && x < std::min<int32_t>(r.right, 9) &&
-             y >= std::max<int32_t>(r.top, 0) && y < std::min<int32_t>(r.bottom, 6);
-    };
-    for (int32_t y = 0; y < 6; ++y) {
-      for (int32_t x = 0; x < 9; ++x) {
-        uint32_t expected = i % 2 == 0 ? 0xFFFFFF : 0xFF0000;
-        if (!isInside(x, y)) expected = before->pixel(x, y);
-        if (isInside(x, y) && isInside(x - dh, y - dv)) expected = before->pixel(x - dh, y - dv);
-        ASSERT_EQ(picture->pixel(x, y), expected)
-            << x << ", " << y << " of depth " << depth << ", by " << dh << ", " << dv;
-      }
-    }
-    SetGWorld(screen, device);
-  }
-}
-
 TEST_F(StandinTest, DisposedPortIsNoLongerCurrent) {
   CGrafPtr screen = nullptr;
   GDHandle device = nullptr;

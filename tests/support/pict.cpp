@@ -1,7 +1,6 @@
 #include "tests/support/pict.h"
 
 #include <algorithm>
-#include <fstream>
 #include <memory>
 #include <string>
 
@@ -108,16 +107,6 @@ Words colors(const Picture& picture) {
   for (uint32_t& word : words) word &= 0x00FFFFFF;
   return words;
 }
-
-TightMemory::TightMemory(size_t room) {
-  size_t pages = 0;
-  std::ifstream("/proc/self/statm") >> pages;
-  EXPECT_EQ(getrlimit(RLIMIT_AS, &before_), 0);
-  const rlimit tight{static_cast<rlim_t>(pages * 4096 + room), before_.rlim_max};
-  EXPECT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
-}
-
-TightMemory::~TightMemory() { setrlimit(RLIMIT_AS, &before_); }
 
 void PictTest::TearDown() {
   runtime().setCallHook(nullptr);

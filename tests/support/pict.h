@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <cstdint>
 #include <functional>
@@ -43,18 +42,6 @@ Ref<Picture> pictureOf(int32_t width, int32_t height, const Words& words);
 Ref<Picture> filled(int32_t width, int32_t height, const std::function<uint32_t()>& pixel);
 /// Pixels without pads.
 Words colors(const Picture& picture);
-
-/// While it lives, the process gets no more memory than `room` bytes.
-class TightMemory {
- public:
-  explicit TightMemory(size_t room);
-  TightMemory(const TightMemory&) = delete;
-  TightMemory& operator=(const TightMemory&) = delete;
-  ~TightMemory();
-
- private:
-  rlimit before_{};
-};
 
 /// Checks that nothing is left.
 class PictTest : public testing::Test {

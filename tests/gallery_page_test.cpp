@@ -50,6 +50,7 @@ TEST(GalleryPage, HoldsEverythingItShows) {
   entry.after = {1, 1, false, {0xFFFFFF}};
   GalleryEntry value;
   value.value = "42 colours";
+  value.before = entry.after;
   const std::string page = galleryPage({{"Colour", {entry, entry}}, {"Again", {entry, value}}});
   EXPECT_TRUE(page.starts_with("<!DOCTYPE html>\n<html lang=\"en\">"));
   EXPECT_TRUE(page.ends_with("</html>\n"));
@@ -57,8 +58,10 @@ TEST(GalleryPage, HoldsEverythingItShows) {
   for (const char* outside : {"http", "url(", "@import", "<script"}) {
     EXPECT_EQ(countOf(page, outside), 0U) << outside;
   }
-  EXPECT_EQ(countOf(page, "src="), 6U);
-  EXPECT_EQ(countOf(page, " src=\"data:image/png;base64,iVBORw0KGgo"), 6U);
+  EXPECT_EQ(countOf(page, "src="), 7U);
+  EXPECT_EQ(countOf(page, " src=\"data:image/png;base64,iVBORw0KGgo"), 7U);
+  const size_t code = page.find("src=", page.find("alt=\"After"));
+  EXPECT_EQ(countOf(page, page.substr(code, page.find('"', code + 5) - code)), 4U) << "white";
   EXPECT_EQ(countOf(page, "alt=\"Before InvertQRZ\" width=\"1\" height=\"1\""), 3U);
   EXPECT_EQ(countOf(page, "alt=\"After InvertQRZ\""), 3U);
   EXPECT_EQ(countOf(page, "id=\"filter-1-2\""), 1U);

@@ -106,5 +106,21 @@ TEST_F(PictDrawingTest, TruncatedDataShowsWhatCameBefore) {
   EXPECT_EQ(before, 210);
 }
 
+/// An exception could not pass through the plug-in.
+TEST_F(PictDrawingTest, WhatIsTooLargeToDrawIsLeftUndoneForThePlugin) {
+  const Bytes data = hex("0000 0000 0000 7FFF 7FFF 1101 FF");
+  Handle handle = nullptr;
+  ASSERT_EQ(PtrToHand(data.data(), &handle, static_cast<long>(data.size())), 0);
+  const auto picture = pictureOver(reinterpret_cast<PicHandle>(handle));
+  EXPECT_EQ(picture->describe(), "Picture 32767x32767 (PICT data)");
+  const auto copy = pictureOf(2, 1, {kRed, kGreen});
+  const auto graphics = makeObject<Graphics>(copy);
+  using Draw =
+      void(void*, void*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t);
+  auto* draw = reinterpret_cast<Draw*>(resolveService("RuntimeGraphicsDrawPicture"));
+  draw(graphics.get(), picture.get(), 0, 0, 2, 1, 0, 0, 2, 1);
+  EXPECT_EQ(copy->pixels(), (Words{kRed, kGreen}));
+}
+
 }  // namespace
 }  // namespace host

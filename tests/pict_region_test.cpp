@@ -132,6 +132,29 @@ TEST_F(PictRegionTest, DamagedRegionsEndTheDrawing) {
   EXPECT_EQ(drawn(tooShort.finish(), 1, 1), Words(1, kWhite));
 }
 
+/// Many edges that change in many rows, and few pixels: it ends soon.
+TEST_F(PictRegionTest, ClipsOfManyEdgesAreLimited) {
+  PictLayout rows(1);
+  rows.put16(0x8000);
+  for (uint32_t x = 0; x < 16000; ++x) rows.put16(0x8000 + x);
+  rows.put16(0x7FFF);
+  for (uint32_t y = 1; y < 4000; ++y) rows.put16(0x8000 + y).put32(0x70007001).put16(0x7FFF);
+  rows.put16(0x7FFF);
+  const PictPixels pixels{0x9A, 32, 0, 3};
+  PictLayout layout(2);
+  layout.start(-0x8000, -0x8000, 0x7000, 0x7000).putOpcode(0x01);
+  layout.put16(static_cast<uint32_t>(10 + rows.bytes().size()));
+  layout.putBox(-0x8000, -0x8000, 0x7FFF, 0x7FFF).put(rows.bytes());
+  for (uint32_t i = 0; i < 3000; ++i) {
+    layout.putOpcode(0x9A);
+    putMap(layout, pixels, 4, 0, 0, {1, 1, {}}, {}, false);
+    layout.putBox(0, 0, 1, 1).putBox(-0x8000, -0x8000, 0x7000, 0x7000).put16(0).put32(i);
+  }
+  const Words words = drawn(layout.finish(), 4, 4);
+  EXPECT_TRUE(std::all_of(words.begin(), words.end(),
+                          [](uint32_t word) { return word == kWhite || word < 10; }));
+}
+
 /// One column drawn again and again behind a clip of many edges.
 TEST_F(PictRegionTest, ColumnsBehindManyEdgesAreLimited) {
   constexpr int kSize = 4000;

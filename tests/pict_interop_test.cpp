@@ -48,9 +48,8 @@ class PictInteropTest : public FolderTest {
 TEST_F(PictInteropTest, OthersReadWhatIsRecorded) {
   constexpr const char* kRecorded = "BuildPictureWithPicHandleDataQRZ(self.PicHandleDataQRZ)";
   for (const std::string source :
-       {"photo.jpg", "sample:landscape", "sample:colors@84x50", "sample:colors@62x5",
-        "sample:colors@63x5", "sample:edges@501x64", "sample:greys@1021x9",
-        "sample:gradients@4095x5"}) {
+       {"photo.jpg", "sample:landscape", "sample:colors@84x50", "sample:edges@501x64",
+        "sample:greys@1021x9", "sample:gradients@4095x5"}) {
     apply("self", source, "source.png");
     apply(kRecorded, source, "ours.pict");
     shell("convert ours.pict theirs.png");

@@ -29,7 +29,7 @@ Features processorFeatures() {
   uint32_t b = 0;
   uint32_t c = 0;
   uint32_t d = 0;
-  if (__get_cpuid(1, &a, &b, &c, &d) != 0) features.basic = c;
+  __cpuid(1, a, b, features.basic, d);  // every processor with SSE2 has that leaf
   if (__get_cpuid_count(7, 0, &a, &b, &c, &d) != 0) {
     features.extended = b;
     features.extendedToo = c;

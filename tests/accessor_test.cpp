@@ -2,7 +2,9 @@
 // platform calls, the latches, the copy of pictures that it cannot address.
 
 #include <algorithm>
+#include <functional>
 #include <map>
+#include <utility>
 
 #include "platform/standin/standin.h"
 #include "plugin/binding/description.h"
@@ -128,17 +130,59 @@ TEST_F(AccessorTest, BitmapsAreRefusedOnceAGWorldWasRead) {
   EXPECT_EQ(callsDuring([] { EXPECT_FALSE(filter(kInvert, picture(Storage::Bitmap))); }), refuse);
 }
 
-TEST_F(AccessorTest, ProgramsMayRunWhileACopyIsDrawn) {
-  static Ref<Picture> bitmap;
-  bitmap = picture(Storage::Bitmap);
-  const auto source = picture(Storage::GWorld, 24);
-  runtime().setCallHook([](const char* call) {
-    EXPECT_TRUE(std::string_view(call) != "DrawPicture" || !filter(kInvert, bitmap));
-    return true;
-  });
-  EXPECT_FALSE(filter(kInvert, source)) << "the reader has settled on bitmaps meanwhile";
-  runtime().setCallHook(nullptr);
-  bitmap = {};
+/// What a program does when the plug-in next has a copy drawn.
+std::function<void()> meanwhile;
+
+class MeanwhileTest : public AccessorTest {
+ protected:
+  static void runMeanwhile(std::function<void()> program) {
+    meanwhile = std::move(program);
+    runtime().setCallHook([](const char* call) {
+      const bool isNow = std::string_view(call) == "DrawPicture" && meanwhile != nullptr;
+      if (isNow) std::exchange(meanwhile, nullptr)();
+      return true;
+    });
+  }
+  void TearDown() override {
+    runtime().setCallHook(nullptr);
+    source = {};
+    AccessorTest::TearDown();
+  }
+  Ref<Picture> source = picture(Storage::GWorld, 24);
+};
+
+TEST_F(MeanwhileTest, TheReaderSettlesOnBitmaps) {
+  const auto bitmap = picture(Storage::Bitmap);
+  runMeanwhile([&] { EXPECT_FALSE(filter(kInvert, bitmap)); });
+  EXPECT_FALSE(filter(kInvert, source));
+}
+
+TEST_F(MeanwhileTest, BlocksShrink) {
+  const auto block = memoryBlock(std::vector<uint8_t>(1024));
+  const auto shrink = [&] { block->bytes.resize(16); };
+  runMeanwhile(shrink);
+  EXPECT_FALSE(
+      filter("TransformColorsQRZ(red as memoryblock, blue as memoryblock, green as memoryblock) as "
+             "picture",
+             source, {objectValue(block), objectValue(block), objectValue(block)}));
+  block->bytes.resize(1024);
+  runMeanwhile(shrink);
+  std::vector<Value> counted = {objectValue(block), Nil{}, Nil{}, 0};
+  callByRef("Picture",
+            "CountColorsQRZ(byref red as memoryblock, byref blue as memoryblock, byref green as "
+            "memoryblock, byref count as integer)",
+            source.get(), counted);
+  EXPECT_EQ(counted[3], Value{-1});
+}
+
+TEST_F(MeanwhileTest, FiltersRunAsWell) {
+  for (const std::string name : {"PictureLut3DQRZ", "PictureSepiaQRZ"}) {
+    const Value made = runtime().registry.findClass(name)->constructors.front().call(nullptr, {});
+    const auto run = [&] { EXPECT_EQ(call(name, "Run as boolean", objectOf(made)), Value{true}); };
+    assign(name, "SourcePicture as Picture", objectOf(made), {}, objectValue(source));
+    runMeanwhile(run);
+    run();
+  }
 }
 
 struct Flaw {

@@ -61,9 +61,9 @@ struct Target {
   [[nodiscard]] bool takes(std::string_view className, size_t input) const {
     return sameName(inputs[input].className, className);
   }
-  [[nodiscard]] bool takesPictures() const {
+  [[nodiscard]] bool takesAny(std::string_view className) const {
     return std::ranges::any_of(
-        inputs, [](const Type& type) { return sameName(type.className, "Picture"); });
+        inputs, [&](const Type& type) { return sameName(type.className, className); });
   }
   friend void PrintTo(const Target& target, std::ostream* stream) { *stream << target.name; }
 };
@@ -593,6 +593,24 @@ class HostileTest : public testing::TestWithParam<Target> {
     }
   }
 
+  /// Each memory block has every size in turn.
+  static void makeBlockCalls(size_t representation) {
+    const Objects objects(allRepresentations[representation], kSmall.size);
+    Inputs inputs;
+    for (const Inputs& choices : choicesFor(target(), objects, kSmall.size))
+      inputs.push_back(choices[0]);
+    for (size_t size = 0; size <= 1100 && !HasFailure(); ++size, ++shared.allCalls) {
+      fenceMemory();
+      const auto block = memoryBlock(someBytes(size));
+      stopFencing();
+      for (size_t i = 0; i < inputs.size(); ++i) {
+        if (target().takes("MemoryBlock", i)) inputs[i] = objectValue(block);
+      }
+      checkedCall(objects, inputs, false);
+      EXPECT_FALSE(HasFailure()) << "with blocks of " << size << " bytes";
+    }
+  }
+
   /// False if anything was wrong.
   static bool run(size_t representation, std::optional<size_t> named = {}) {
     const Representation& chosen = allRepresentations[representation];
@@ -600,8 +618,11 @@ class HostileTest : public testing::TestWithParam<Target> {
       shared.calls = shared.skipped = 0;
       makeCalls(representation, kSmall, named);
       for (const Setting& setting : kOtherSizes) {
-        if (target().takesPictures() && !HasFailure()) makeCalls(representation, setting, named);
+        if (target().takesAny("Picture") && !HasFailure())
+          makeCalls(representation, setting, named);
       }
+      if (target().takesAny("MemoryBlock") && !named && !HasFailure())
+        makeBlockCalls(representation);
       for (const std::string& leak : runtime().findLeaks()) ADD_FAILURE() << leak;
     });
   }

@@ -8,7 +8,9 @@ namespace {
 /// A table needs 256 bytes; a shorter block counts as none.
 bool holdsTable(HostMemoryBlock block) { return service::memoryBlockGetSize(block) >= 256; }
 
-const uint8_t* bytesOf(HostMemoryBlock block) {
+/// Null if the block has become shorter: programs may have run meanwhile.
+const uint8_t* tableIn(HostMemoryBlock block) {
+  if (!holdsTable(block)) return nullptr;
   return static_cast<const uint8_t*>(service::memoryBlockGetPtr(block));
 }
 
@@ -23,7 +25,7 @@ HostPicture TransformColorsQRZ(HostPicture picture, HostMemoryBlock red, HostMem
   if (red == nullptr || blue == nullptr || green == nullptr) return nullptr;
   if (!holdsTable(red) || !holdsTable(blue) || !holdsTable(green)) return nullptr;
   const auto work = [&](auto /*path*/, const auto& readers, auto& writer) {
-    const ChannelTables tables{bytesOf(red), bytesOf(green), bytesOf(blue)};
+    const ChannelTables tables{tableIn(red), tableIn(green), tableIn(blue)};
     if (tables.red == nullptr || tables.green == nullptr || tables.blue == nullptr) return false;
     filterRows(readers, writer, wholePicture.within(readers[0].width(), readers[0].height()),
                MapChannelsRow{tables});

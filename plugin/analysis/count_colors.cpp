@@ -16,24 +16,26 @@ typedef uint32_t Counter __attribute__((aligned(1), may_alias));
 /// One of the caller's block variables.
 struct Histogram {
   HostMemoryBlock* variable;
-  bool isNew = false;
+  HostMemoryBlock made = nullptr;  ///< for a variable that was nil
   Counter* counters = nullptr;
 
   /// Gives a nil variable a new block, which is the caller's from then on.
   void fill() {
     if (*variable != nullptr) return;
-    *variable = service::newMemoryBlock(kHistogramBytes);
-    isNew = true;
+    *variable = made = service::newMemoryBlock(kHistogramBytes);
   }
+  [[nodiscard]] bool isNew() const { return *variable == made; }
   /// Whether there is a block that holds all counters.
   [[nodiscard]] bool isUsable() const {
     if (*variable == nullptr) return false;
-    return isNew || service::memoryBlockGetSize(*variable) >= kHistogramBytes;
+    return isNew() || service::memoryBlockGetSize(*variable) >= kHistogramBytes;
   }
-  /// Finds the counters; new ones start at 0, whatever the host put there.
+  /// Finds the counters; new ones start at 0, whatever the host put there. Looks at the
+  /// block again: programs may have run while the picture was opened.
   bool open() {
+    if (!isUsable()) return false;
     counters = static_cast<Counter*>(service::memoryBlockGetPtr(*variable));
-    if (counters != nullptr && isNew) memset(counters, 0, kHistogramBytes);
+    if (counters != nullptr && isNew()) memset(counters, 0, kHistogramBytes);
     return counters != nullptr;
   }
 };

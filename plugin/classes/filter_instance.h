@@ -22,14 +22,16 @@ struct FilterInstance {
 
   /// Releases both pictures; the instance goes on to work.
   void close() {
-    drop(SourcePicture);
-    drop(DestinationPicture);
+    replace(SourcePicture, nullptr);
+    replace(DestinationPicture, nullptr);
   }
 
-  static void drop(HostPicture& field) {
-    if (field == nullptr) return;
-    service::REALUnlockObject(asObject(field));
-    field = nullptr;
+  /// Takes over a reference, and then drops the one that was there: dropping may run
+  /// programs, which find the new picture.
+  static void replace(HostPicture& field, HostPicture picture) {
+    HostPicture old = field;
+    field = picture;
+    if (old != nullptr) service::REALUnlockObject(asObject(old));
   }
 };
 static_assert(offsetof(FilterInstance, DestinationPicture) == 4);

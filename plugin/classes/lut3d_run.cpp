@@ -29,9 +29,11 @@ struct Lut3DRow {
 int32_t RunLut3DQRZ(HostObject instance) {
   auto& lut = instanceData<PictureLut3D>(lut3DClass, instance);
   FilterInstance& filter = lut.filter;
-  FilterInstance::drop(filter.DestinationPicture);
+  FilterInstance::replace(filter.DestinationPicture, nullptr);
   if (filter.SourcePicture == nullptr) return 0;
-  const auto store = [&filter](HostPicture made) { filter.DestinationPicture = made; };
+  const auto store = [&filter](HostPicture made) {
+    FilterInstance::replace(filter.DestinationPicture, made);
+  };
   return filterPicture(filter.SourcePicture, filter.region(), Lut3DRow{lut.table}, store) != nullptr
              ? 1
              : 0;

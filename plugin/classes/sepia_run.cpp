@@ -69,8 +69,7 @@ int32_t RunSepiaQRZ(HostObject instance) {
   FilterInstance& filter = sepia.filter;
   if (filter.SourcePicture == nullptr) return 0;
   const auto store = [&filter](HostPicture made) {
-    FilterInstance::drop(filter.DestinationPicture);
-    filter.DestinationPicture = made;
+    FilterInstance::replace(filter.DestinationPicture, made);
   };
   const auto run = [&](const auto& operation) {
     return filterPicture(filter.SourcePicture, filter.region(), operation, store);

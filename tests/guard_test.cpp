@@ -247,7 +247,7 @@ TEST_P(SizeTest, BelowOneAreEmptyPictures) {
   const auto pixels = picture->pixels();
   const auto other = randomPicture(8, 4);
   const std::pair<int32_t, int32_t> sizes[] = {
-      {-10, 1}, {-13, 1}, {1, -10}, {-5, -5}, {INT_MIN, INT_MIN},
+      {-10, 1}, {-13, 1}, {1, -10}, {-5, -5}, {INT_MIN, INT_MIN}, {0, 0},
       {0, 4},   {8, 0},   {-1, 4},  {8, -1},  {INT_MIN, 1}};
   for (const auto& [width, height] : sizes) {
     SCOPED_TRACE(testing::Message() << width << " x " << height);

@@ -48,6 +48,11 @@ std::vector<PictureSize> sizesOf(const std::vector<std::string>& texts) {
 class Pattern {
  public:
   explicit Pattern(const std::string& text) {
+    // The system's compiler of patterns calls itself for each bracket.
+    if (text.size() > kLongest) {
+      throw UsageError("--members is a regular expression of at most " + std::to_string(kLongest) +
+                       " characters");
+    }
     const int error = regcomp(&compiled_, text.c_str(), REG_EXTENDED | REG_ICASE | REG_NOSUB);
     if (error == 0) return;
     std::array<char, 200> reason{};
@@ -64,6 +69,8 @@ class Pattern {
   }
 
  private:
+  static constexpr size_t kLongest = 1000;
+
   regex_t compiled_{};
 };
 

@@ -75,7 +75,7 @@ std::vector<Section> named(std::vector<Section> sections, const std::string& nam
 int complainAboutUnknown(const std::string& name, const std::vector<Section>& sections) {
   std::vector<std::string> names;
   for (const Section& section : sections) {
-    names.push_back(section.name);
+    if (!section.name.empty()) names.push_back(section.name);
     for (const Member* member : section.members) names.push_back(member->declaration.name);
   }
   const std::string nearest = suggestion(name, names);

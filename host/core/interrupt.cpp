@@ -1,11 +1,13 @@
 #include "host/core/interrupt.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 
 namespace host {
 namespace {
 
-constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int kSignals[] = {SIGTERM, SIGHUP, SIGINT};
 
 sigset_t allSignals() {
   sigset_t signals;
@@ -19,13 +21,19 @@ volatile sig_atomic_t noted = 0;
 void onSignal(int signal) {
   noted = signal;
   for (const int each : kSignals) std::signal(each, SIG_DFL);
+  alarm(1);
 }
+
+/// Ends what began to wait only after the interrupt was noted.
+void onAlarm(int /*signal*/) { alarm(1); }
 
 }  // namespace
 
 void noteInterrupts() {
   struct sigaction action {};
   // No restart: what waits, for instance for a pipe's other end, is to give up.
+  action.sa_handler = onAlarm;
+  sigaction(SIGALRM, &action, nullptr);
   action.sa_handler = onSignal;
   action.sa_mask = allSignals();  // one after the other, even if they come together
   for (const int each : kSignals) {

@@ -19,10 +19,12 @@ int statusOf(int waited) {
   return WIFSIGNALED(waited) ? 128 + WTERMSIG(waited) : WEXITSTATUS(waited);
 }
 
-/// Whether the process has a handler for interrupts.
+/// Whether the process is qrz, no more the shell, and has a handler for interrupts.
 bool notesInterrupts(int process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/status");
-  for (std::string line; std::getline(file, line);) {
+  std::string line;
+  if (!std::getline(file, line) || line != "Name:\tqrz") return false;
+  while (std::getline(file, line)) {
     if (!line.starts_with("SigCgt:")) continue;
     return (std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1) & 1) != 0;
   }
@@ -67,7 +69,7 @@ Session::~Session() {
 
 bool Session::read() {
   pollfd ready{terminal_, POLLIN, 0};
-  if (poll(&ready, 1, 10) == 0) return true;
+  if (poll(&ready, 1, 1) == 0) return true;
   std::array<char, 4096> buffer{};
   const ssize_t count = ::read(terminal_, buffer.data(), buffer.size());
   if (count <= 0) return false;
@@ -75,11 +77,11 @@ bool Session::read() {
   return true;
 }
 
-void Session::waitFor(const std::string& text) {
+void Session::waitFor(const std::string& text, int moments) {
   while (output_.find(text) == std::string::npos || !notesInterrupts(process_)) {
     if (!read()) return;
   }
-  for (int i = 0; i < 5; ++i) read();
+  for (int i = 0; i < moments; ++i) read();
 }
 
 void Session::send(int signal) const { kill(process_, signal); }

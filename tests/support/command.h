@@ -28,8 +28,8 @@ class Session {
   Session& operator=(const Session&) = delete;
   ~Session();
 
-  /// Waits until it has done its work for a while: notes interrupts, and has shown the text.
-  void waitFor(const std::string& text);
+  /// Waits until it notes interrupts, and has shown the text; then for some more moments.
+  void waitFor(const std::string& text, int moments = 50);
   void send(int signal) const;
   /// Waits for its end; the output is what the terminal got, without its carriage returns before
   /// line ends.

@@ -5,8 +5,8 @@
 
 namespace host {
 
-/// The text with a question mark for each control character but tabs, so that a message stays
-/// one line and no terminal acts on it.
+/// The text with a question mark for each byte of control characters but tabs and of what is no
+/// UTF-8, so that a message stays one line and no terminal acts on it.
 std::string printable(std::string text);
 
 }  // namespace host

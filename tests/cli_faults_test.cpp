@@ -1,9 +1,15 @@
 // qrz when something is wrong: with what it is given, where it writes, how much there is of
 // stack, memory and disk; and when it is interrupted.
 
+#include <elf.h>
+
 #include <algorithm>
 #include <csignal>
+#include <cstddef>
+#include <cstring>
+#include <vector>
 
+#include "host/files/file_bytes.h"
 #include "tests/support/command.h"
 
 namespace host {
@@ -95,8 +101,10 @@ TEST_F(CliFaultsTest, FilesThatCannotBeRead) {
   const std::string missing =
       ": cannot be read: No such file or directory; check the name and the permissions";
   const std::string noPlugin = ": there is no plug-in; build it or name one with --plugin";
-  const std::string odd = "\"$(printf 'a\\nb\\033[31m\\302\\233c')\"";
-  const std::string shown = "a?b?[31m??c";
+  const std::string odd =
+      "\"$(printf "
+      "'a\\nb\\033[31m\\302\\233c\\233\\303d\\303\\244\\355\\240\\200\\360\\237\\230\\200')\"";
+  const std::string shown = "a?b?[31m??c??d\303\244???\360\237\230\200";
   const auto oddly = [&odd](std::string text) {
     return "qrz " + text.replace(text.find('%'), 1, odd);
   };
@@ -136,6 +144,36 @@ TEST_F(CliFaultsTest, FilesThatCannotBeRead) {
            "; `qrz --help` shows the usage"},
   };
   for (const Fault& fault : faults) expect(fault);
+}
+
+/// What the program headers say is wrong, one by one, and the like in the dynamic section.
+TEST_F(CliFaultsTest, DamagedPlugins) {
+  const std::vector<uint8_t> whole = readFile(QRZ_BUILD_FOLDER "/PictureQRZ.so");
+  Elf32_Ehdr header{};
+  memcpy(&header, whole.data(), sizeof header);
+  std::vector<size_t> places;
+  for (size_t i = 0; i < header.e_phnum; ++i) {
+    Elf32_Phdr segment{};
+    const size_t at = header.e_phoff + i * sizeof segment;
+    memcpy(&segment, whole.data() + at, sizeof segment);
+    places.push_back(at + offsetof(Elf32_Phdr, p_vaddr));
+    if (segment.p_type != PT_DYNAMIC) continue;
+    for (size_t entry = 0; entry < segment.p_filesz; entry += sizeof(Elf32_Dyn)) {
+      places.push_back(segment.p_offset + entry + offsetof(Elf32_Dyn, d_un));
+    }
+  }
+  int damaged = 0;
+  for (const size_t place : places) {
+    std::vector<uint8_t> bytes = whole;
+    bytes[place + 3] ^= 0x40;
+    writeFile(path("bad.so"), bytes);
+    const Outcome outcome = inFolder("qrz --plugin bad.so members");
+    if (outcome.status == 0) continue;
+    EXPECT_EQ(outcome.status, 1) << place;
+    EXPECT_EQ(std::ranges::count(outcome.output, '\n'), 1) << outcome.output;
+    if (outcome.output == "qrz: bad.so: is damaged; build or copy it again\n") ++damaged;
+  }
+  EXPECT_GE(damaged, 5);
 }
 
 TEST_F(CliFaultsTest, FilesThatCannotBeWritten) {
@@ -200,12 +238,17 @@ TEST_F(CliFaultsTest, DeepNestingOnASmallStack) {
   constexpr int kDeep = 100'000;
   write("recursion",
         "Function F(n As Integer) As Integer\nReturn F(n)\nEnd Function\nPrint F(1)\n");
-  const Outcome recursion = inFolder("ulimit -s 1024; qrz run recursion");
-  EXPECT_EQ(recursion.status, 1);
-  EXPECT_NE(recursion.output.find(
-                ": uncaught StackOverflowException: the calls of functions nest too deeply\n"),
-            std::string::npos)
-      << recursion.output;
+  for (const char* kilobytes : {"1024", "256"}) {
+    const std::string limit = "ulimit -s " + std::string(kilobytes);
+    const Outcome recursion = inFolder(limit + "; qrz run recursion");
+    EXPECT_EQ(recursion.status, 1);
+    EXPECT_NE(recursion.output.find(
+                  ": uncaught StackOverflowException: the calls of functions nest too deeply\n"),
+              std::string::npos)
+        << recursion.output;
+    expect({(limit + "; qrz apply self.InvertQRZ.Width sample:colors@5x5").c_str(), 0,
+            "sample:colors@5x5: 5"});
+  }
   const std::string sources[] = {
       "Print " + repeated("(", kDeep) + "1",
       "Print 1" + repeated(" + 1", kDeep),
@@ -294,6 +337,7 @@ TEST_F(CliFaultsTest, InterruptsEndEveryCommand) {
       {"run recursion.rbs", SIGINT, ": interrupted\n"},
       {"run pipe", SIGINT, "qrz: interrupted\n"},
       {"apply self pipe", SIGINT, "qrz: interrupted\n"},
+      {"apply self sample:landscape@900x900 -o x.png", SIGINT, "qrz: interrupted\n"},
       {"gallery dir", SIGTERM, "qrz: interrupted\n"},
       {"bench --size 9x9 --json x.json --plot x.svg", SIGINT, "qrz: interrupted\n"},
   };
@@ -309,7 +353,7 @@ TEST_F(CliFaultsTest, InterruptsEndEveryCommand) {
                                                                    << outcome.output;
     }
   }
-  EXPECT_EQ(inFolder("ls dir x.json x.svg 2>/dev/null").output, "dir:\n");
+  EXPECT_EQ(inFolder("ls dir x.png x.json x.svg 2>/dev/null").output, "dir:\n");
   EXPECT_EQ(parts(), "");
 }
 

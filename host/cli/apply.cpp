@@ -49,8 +49,10 @@ struct Job {
 void applyToFile(Job& job, const std::string& input, const std::string& output) {
   Interpreter interpreter(runtime().registry, std::cout);
   interpreter.setVariable("self", objectValue(openPicture(input)));
+  checkInterrupt();
   const Value result =
       interpreter.evaluate(job.expression, job.isOneOfMany ? input + ": expression" : "expression");
+  checkInterrupt();
   auto* picture = objectAs<Picture>(result);
   if (picture == nullptr && std::holds_alternative<Nil>(result)) {
     throw Failure(kFailed, input + ": the result is nil, so there is no picture to write");

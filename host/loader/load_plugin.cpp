@@ -95,7 +95,11 @@ void checkElf(std::span<const uint8_t> file) {
   }
 }
 
-/// In a child process: whatever the system's loader does stays unseen.
+EntryPoint entryPointOf(void* library) {
+  return reinterpret_cast<EntryPoint>(dlsym(library, kEntryPoint));
+}
+
+/// In a child process: whatever the system's loader and the entry point do stays unseen.
 [[noreturn]] void tryToLoad(const fs::path& file) {
   for (const int signal : {SIGALRM, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(signal, SIG_DFL);
   constexpr rlimit kNoCore{0, 0};
@@ -105,7 +109,9 @@ void checkElf(std::span<const uint8_t> file) {
   dup2(nowhere, STDERR_FILENO);
   constexpr unsigned kMostSeconds = 20;
   alarm(kMostSeconds);
-  if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) dlsym(library, kEntryPoint);
+  if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    if (const EntryPoint entry = entryPointOf(library)) entry(resolveService);
+  }
   _exit(0);
 }
 
@@ -131,7 +137,7 @@ EntryPoint loadSharedImage(const fs::path& file, std::span<const uint8_t> bytes)
   if (library == nullptr) {
     throw std::runtime_error(std::string("cannot be loaded as a plug-in: ") + dlerror());
   }
-  auto* entry = reinterpret_cast<EntryPoint>(dlsym(library, kEntryPoint));
+  const EntryPoint entry = entryPointOf(library);
   if (entry == nullptr) {
     throw std::runtime_error("is no plug-in: it does not export REALPluginMain");
   }

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 
 namespace host {
 namespace {
@@ -52,6 +53,7 @@ Outcome qrz(const std::string& arguments) {
 Session::Session(const std::string& folder, const std::string& arguments) {
   const std::string command = "cd " + folder + " && exec " QRZ_BUILD_FOLDER "/qrz " + arguments;
   process_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+  if (process_ < 0) throw std::runtime_error("there is no terminal; is /dev/pts mounted?");
   if (process_ == 0) {
     execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     _exit(127);

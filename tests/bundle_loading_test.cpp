@@ -11,7 +11,7 @@
 
 #include "host/core/runtime.h"
 #include "host/files/file_bytes.h"
-#include "host/gallery/gallery.h"
+#include "host/manual/manual.h"
 #include "host/loader/load_plugin.h"
 #include "host/loader/mach_o_image.h"
 #include "platform/mach_o/content_uuid.h"

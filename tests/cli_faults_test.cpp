@@ -79,7 +79,7 @@ TEST_F(CliFaultsTest, WrongUsage) {
       {"qrz apply", 2, "qrz: expression is required" + help},
       {"qrz apply self", 2, "qrz: files is required" + help},
       {"qrz apply ' ' sample:colors", 2, "qrz: the expression is empty" + help},
-      {"qrz apply self sample:colors -o", 2, "qrz: --output: 1 required TEXT missing" + help},
+      {"qrz apply self sample:colors -o", 2, "qrz: --output: 1 required FILE missing" + help},
       {"qrz run", 2, "qrz: script is required" + help},
       {"qrz gallery", 2, "qrz: folder is required" + help},
       {"qrz bench --size nanxnan", 2, size + "nanxnan'" + help},

@@ -3,8 +3,8 @@
 #include <set>
 #include <stdexcept>
 
-#include "host/gallery/page.h"
-#include "host/gallery/samples.h"
+#include "host/manual/page.h"
+#include "host/samples/samples.h"
 
 namespace host {
 namespace {

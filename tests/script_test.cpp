@@ -484,11 +484,23 @@ TEST_F(ScriptTest, EvaluatesOneExpression) {
   interpreter.setVariable("self", objectValue(makeObject<Box>()));
   EXPECT_EQ(std::get<int32_t>(interpreter.evaluate("Self.Width + 1", "expression")), 2);
   EXPECT_TRUE(isNil(interpreter.evaluate("self.Grow(2)", "expression")));
+  // Statements may come before, on lines of their own.
+  for (const char* text :
+       {"\nDim n As Integer = 3\nn = n * 2\n\n\nn + 1 ' more\n",
+        "Function F(n As Integer) As Integer; Return 2 * n; End Function; F(3) + 1;",
+        "Dim n As Integer; Do; n = n + 1; If n = 7 Then Exit; Loop; n"}) {
+    EXPECT_EQ(std::get<int32_t>(interpreter.evaluate(text, "expression")), 7) << text;
+  }
+  EXPECT_TRUE(isNil(interpreter.evaluate("Quit; 1", "expression")));
   interpreter.setVariable("SELF", Value{Nil{}});
   for (const auto& [expression, message] : {
            Case{"self.Width", "6: uncaught NilObjectException: '.Width' was used on Nil"},
            Case{"1 = 1 =", "8: expected an expression but found end of file"},
            Case{"1 1", "3: expected the end of the expression but found '1'"},
+           Case{"; ;", "4: expected an expression but found end of file"},
+           Case{"Do; Loop", "9: expected an expression but found end of file"},
+           Case{"Dim n As Integer", "1: expected an expression but found 'Dim'"},
+           Case{"Dim n As Integer; n.x", "21: Integer has no member 'x'"},
        }) {
     try {
       interpreter.evaluate(expression, "expression");

@@ -7,7 +7,7 @@
 
 #include "host/core/runtime.h"
 #include "host/files/image.h"
-#include "host/gallery/sample_pictures.h"
+#include "host/samples/sample_pictures.h"
 
 namespace host {
 namespace {

@@ -8,7 +8,7 @@
 #include "host/files/file_bytes.h"
 #include "host/files/file_fault.h"
 #include "host/files/sound_file.h"
-#include "host/gallery/sample_sounds.h"
+#include "host/samples/sample_sounds.h"
 
 namespace host {
 namespace {

@@ -12,7 +12,7 @@
 #include "host/files/picture_format.h"
 #include "host/files/picture_limits.h"
 #include "host/files/picture_size.h"
-#include "host/gallery/samples.h"
+#include "host/samples/samples.h"
 #include "platform/standin/standin.h"
 
 namespace host {

@@ -28,10 +28,8 @@ void Interpreter::setArguments(std::vector<std::string> arguments) {
 
 void Interpreter::run(const Script& script) { machine_->run(*script.program_); }
 
-Value Interpreter::evaluate(const std::string& expression, const std::string& fileName) {
-  const SourceText source(expression, fileName);
-  const ExpressionPtr tree = parseWholeExpression(source);
-  return machine_->evaluateAlone(source, *tree);
+Value Interpreter::evaluate(const std::string& text, const std::string& fileName) {
+  return machine_->run(*parseProgramWithValue(SourceText(text, fileName)));
 }
 
 void Interpreter::setInterruptFlag(const volatile sig_atomic_t* flag) {

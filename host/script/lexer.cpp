@@ -99,6 +99,7 @@ bool Lexer::skipContinuation() {
 Token Lexer::scan() {
   if (position_ == text_.size()) return finish(Token::Kind::EndOfFile, position_);
   if (isLineEnd(0)) return scanLineEnd();
+  if (at(0) == ';') return finish(Token::Kind::EndOfLine, position_ + 1);
   if (isLetter(at(0))) return scanWord();
   if (at(0) == '"') return scanString();
   if (isDigit(at(0)) || (at(0) == '.' && isDigit(at(1)) && !isAfterOperand_)) return scanNumber();

@@ -24,7 +24,8 @@ struct Token {
 };
 
 /// Comments and continued line ends are skipped. A line ends with LF, CR or
-/// CR LF. The source must outlive the lexer and its tokens.
+/// CR LF, and so do statements with ';', so that a program fits into one line of a shell. The
+/// source must outlive the lexer and its tokens.
 class Lexer {
  public:
   explicit Lexer(const SourceText& source);

@@ -31,16 +31,15 @@ void Machine::setVariable(std::string_view name, Value value) {
 
 // ---- Running as a whole
 
-void Machine::run(const Program& program) {
+Value Machine::run(const Program& program) {
+  Value value;
   runGuarded(program.source, [&] {
     defineFunctions(program);
-    executeBlock(program.body);
+    const Variables::Scope scope(variables_);
+    const Flow flow = executeAll(program.body);
+    if (flow.kind != Flow::Kind::Next || program.value == nullptr) return;
+    value = evaluate(*program.value, Result::Ignored);
   });
-}
-
-Value Machine::evaluateAlone(const SourceText& source, const Expression& expression) {
-  Value value;
-  runGuarded(source, [&] { value = evaluate(expression, Result::Ignored); });
   return value;
 }
 

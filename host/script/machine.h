@@ -31,8 +31,8 @@ class Machine {
   void setVariable(std::string_view name, Value value);
   void setArguments(std::vector<std::string> arguments) { arguments_ = std::move(arguments); }
   void setInterruptFlag(const volatile sig_atomic_t* flag) { interruptFlag_ = flag; }
-  void run(const Program& program);
-  Value evaluateAlone(const SourceText& source, const Expression& expression);
+  /// The value is Nil if the program has none, or ends before.
+  Value run(const Program& program);
 
  private:
   using Expressions = std::vector<ExpressionPtr>;
@@ -73,6 +73,7 @@ class Machine {
 
   // Statements (machine_statements.cpp).
   Flow executeBlock(const Block& block);
+  Flow executeAll(const Block& block);
   Flow execute(const Statement& statement);
   Flow execute(const Dim& node);
   Flow execute(const Assignment& node);

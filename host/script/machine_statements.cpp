@@ -19,6 +19,11 @@ constexpr int32_t highestIndex = 9'999'999;
 
 Machine::Flow Machine::executeBlock(const Block& block) {
   const Variables::Scope scope(variables_);
+  return executeAll(block);
+}
+
+/// In the scope that there is.
+Machine::Flow Machine::executeAll(const Block& block) {
   for (const Statement& statement : block) {
     const Flow flow = execute(statement);
     if (flow.kind != Flow::Kind::Next) return flow;

@@ -4,21 +4,53 @@
 #include <utility>
 
 namespace host {
+namespace {
+
+/// Where the first token of the last line stands that has any.
+size_t startOfLastLine(const SourceText& source) {
+  Lexer lexer(source);
+  size_t start = 0;
+  bool isNewLine = true;
+  for (Token token = lexer.next(); token.kind != Token::Kind::EndOfFile; token = lexer.next()) {
+    const bool isLineEnd = token.kind == Token::Kind::EndOfLine;
+    if (isNewLine && !isLineEnd) start = token.position;
+    isNewLine = isLineEnd;
+  }
+  return start;
+}
+
+}  // namespace
 
 std::shared_ptr<const Program> parseProgram(SourceText source) {
-  auto program = std::make_shared<Program>(Program{std::move(source), {}, {}});
+  auto program = std::make_shared<Program>(Program{std::move(source), {}, {}, nullptr});
   Parser(program->source).parseProgram(*program);
   return program;
 }
 
-ExpressionPtr parseWholeExpression(const SourceText& source) {
-  return Parser(source).parseWholeExpression();
+std::shared_ptr<const Program> parseProgramWithValue(SourceText source) {
+  auto program = std::make_shared<Program>(Program{std::move(source), {}, {}, nullptr});
+  Parser(program->source).parseProgramWithValue(*program);
+  return program;
 }
 
 void Parser::parseProgram(Program& program) {
+  parseTopLevel(program, program.source.text().size());
+}
+
+void Parser::parseProgramWithValue(Program& program) {
+  parseTopLevel(program, startOfLastLine(program.source));
+  program.value = parseExpression();
+  while (token_.kind == Token::Kind::EndOfLine) advance();
+  if (token_.kind != Token::Kind::EndOfFile) failExpecting("the end of the expression");
+}
+
+/// Statements and functions that begin before `end`, a place in the source.
+void Parser::parseTopLevel(Program& program, size_t end) {
   while (token_.kind != Token::Kind::EndOfFile) {
     if (token_.kind == Token::Kind::EndOfLine) {
       advance();
+    } else if (token_.position >= end) {
+      return;
     } else if (atKeyword("Function") || atKeyword("Sub")) {
       program.functions.push_back(parseFunction());
     } else if (atBlockEnd()) {
@@ -28,14 +60,6 @@ void Parser::parseProgram(Program& program) {
       expectLineEnd();
     }
   }
-}
-
-ExpressionPtr Parser::parseWholeExpression() {
-  while (token_.kind == Token::Kind::EndOfLine) advance();
-  ExpressionPtr expression = parseExpression();
-  while (token_.kind == Token::Kind::EndOfLine) advance();
-  if (token_.kind != Token::Kind::EndOfFile) failExpecting("the end of the expression");
-  return expression;
 }
 
 void Parser::Nesting::deepen() {

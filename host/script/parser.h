@@ -19,8 +19,8 @@ inline constexpr int maximumNesting = 200;
 /// A whole program. Throws ScriptError.
 std::shared_ptr<const Program> parseProgram(SourceText source);
 
-/// One expression that takes up the whole text. Throws ScriptError.
-ExpressionPtr parseWholeExpression(const SourceText& source);
+/// A program whose last line is an expression, its value. Throws ScriptError.
+std::shared_ptr<const Program> parseProgramWithValue(SourceText source);
 
 /// What stands behind these two. A parser that has thrown is of no more use.
 class Parser {
@@ -28,7 +28,7 @@ class Parser {
   explicit Parser(const SourceText& source) : source_(source), lexer_(source) { advance(); }
 
   void parseProgram(Program& program);
-  ExpressionPtr parseWholeExpression();
+  void parseProgramWithValue(Program& program);
 
  private:
   /// Counts levels of nesting for as long as it lives.
@@ -44,6 +44,8 @@ class Parser {
     Parser& parser_;
     int levels_ = 0;
   };
+
+  void parseTopLevel(Program& program, size_t end);
 
   // Tokens (parser.cpp).
   void advance();

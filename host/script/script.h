@@ -63,9 +63,10 @@ class Interpreter {
   /// of memory, becomes a ScriptError at the place of the call.
   void run(const Script& script);
 
-  /// The value of one expression, and Nil if it calls a member without result.
-  /// `fileName` is only shown in messages. Throws like run.
-  Value evaluate(const std::string& expression, const std::string& fileName);
+  /// The value of an expression, which statements may precede on lines of their
+  /// own; Nil if it calls a member without result. `fileName` is only shown in
+  /// messages. Throws like Script::parse and run.
+  Value evaluate(const std::string& text, const std::string& fileName);
 
   /// Polled at every statement: once it is not 0, the script ends with a
   /// ScriptError "interrupted". Null, as at first, for never. The flag must

@@ -161,6 +161,7 @@ struct Program {
   SourceText source;
   std::vector<Function> functions;
   Block body;
+  ExpressionPtr value;  ///< its last line, if the program has a value; else null
 };
 
 }  // namespace host

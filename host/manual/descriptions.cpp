@@ -1,6 +1,6 @@
-#include "host/gallery/recipes.h"
+#include "host/manual/description.h"
 
-#include "host/gallery/recipe_lists.h"
+#include "host/manual/groups.h"
 
 namespace host {
 

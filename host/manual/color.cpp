@@ -1,4 +1,4 @@
-#include "host/gallery/recipe_lists.h"
+#include "host/manual/groups.h"
 
 namespace host {
 

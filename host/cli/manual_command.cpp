@@ -6,7 +6,7 @@
 #include "host/cli/commands.h"
 #include "host/files/file_bytes.h"
 #include "host/files/file_fault.h"
-#include "host/gallery/gallery.h"
+#include "host/manual/manual.h"
 
 namespace host {
 

@@ -1,11 +1,11 @@
-#include "host/gallery/sample_sounds.h"
+#include "host/samples/sample_sounds.h"
 
 #include <cmath>
 #include <cstddef>
 #include <numbers>
 
 #include "host/files/sound_file.h"
-#include "host/gallery/drawing.h"
+#include "host/samples/drawing.h"
 
 namespace host {
 namespace {

@@ -5,9 +5,9 @@
 #include <array>
 #include <cmath>
 
-#include "host/gallery/balls.h"
-#include "host/gallery/drawing.h"
-#include "host/gallery/sample_pictures.h"
+#include "host/samples/balls.h"
+#include "host/samples/drawing.h"
+#include "host/samples/sample_pictures.h"
 
 namespace host {
 

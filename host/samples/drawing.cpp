@@ -1,4 +1,4 @@
-#include "host/gallery/drawing.h"
+#include "host/samples/drawing.h"
 
 #include <algorithm>
 #include <cmath>

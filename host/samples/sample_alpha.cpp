@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "host/gallery/drawing.h"
-#include "host/gallery/sample_pictures.h"
+#include "host/samples/drawing.h"
+#include "host/samples/sample_pictures.h"
 
 namespace host {
 

@@ -1,7 +1,7 @@
 // The recipes of each group; recipes.cpp puts the groups in order.
 #pragma once
 
-#include "host/gallery/recipes.h"
+#include "host/manual/description.h"
 
 namespace host {
 

@@ -1,4 +1,4 @@
-#include "host/gallery/page.h"
+#include "host/manual/page.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include "host/core/interrupt.h"
 #include "host/files/image_file.h"
 #include "host/files/markup.h"
-#include "host/gallery/page_style.h"
+#include "host/manual/page_style.h"
 
 namespace host {
 

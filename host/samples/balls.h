@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "host/gallery/drawing.h"
+#include "host/samples/drawing.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
-#include "host/gallery/samples.h"
+#include "host/samples/samples.h"
 
-#include "host/gallery/sample_pictures.h"
+#include "host/samples/sample_pictures.h"
 
 namespace host {
 

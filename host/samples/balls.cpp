@@ -1,4 +1,4 @@
-#include "host/gallery/balls.h"
+#include "host/samples/balls.h"
 
 #include <algorithm>
 #include <cmath>

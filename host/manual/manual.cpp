@@ -1,4 +1,4 @@
-#include "host/gallery/gallery.h"
+#include "host/manual/manual.h"
 
 #include <sstream>
 #include <stdexcept>
@@ -7,8 +7,8 @@
 #include "host/core/interrupt.h"
 #include "host/core/runtime.h"
 #include "host/files/picture_io.h"
-#include "host/gallery/page.h"
-#include "host/gallery/recipes.h"
+#include "host/manual/page.h"
+#include "host/manual/description.h"
 #include "host/script/conversion.h"
 #include "host/script/script.h"
 

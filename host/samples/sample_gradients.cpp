@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "host/gallery/drawing.h"
-#include "host/gallery/sample_pictures.h"
+#include "host/samples/drawing.h"
+#include "host/samples/sample_pictures.h"
 
 namespace host {
 

@@ -1,0 +1,28 @@
+// What can be said on the command line of qrz. Parsing, help, completion and the manual page all
+// come from the definitions here.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "host/cli/commands.h"
+
+namespace host {
+
+struct CommandLine {
+  std::string plugin;  ///< at first the build of the plug-in beside this program
+  bool check = false;
+  std::string expression, output, script, member, folder;
+  std::vector<std::string> files, arguments;
+  BenchOptions bench;
+
+  CommandLine();
+};
+
+/// Makes `app` parse into `line`, which it refers to from now on. The type name of an option says
+/// what may follow it: FILE, FOLDER, PICTURE (a file or a built-in picture), MEMBER, anything else
+/// in capitals, or all that is possible, such as gworld|context|bitmap.
+void defineCommandLine(CLI::App& app, CommandLine& line);
+
+}  // namespace host

@@ -11,9 +11,10 @@
 
 #include "host/core/runtime.h"
 #include "host/files/file_bytes.h"
-#include "host/manual/manual.h"
 #include "host/loader/load_plugin.h"
 #include "host/loader/mach_o_image.h"
+#include "host/manual/manual.h"
+#include "host/manual/page.h"
 #include "platform/mach_o/content_uuid.h"
 #include "platform/mach_o/format.h"
 #include "tests/support/bundle.h"
@@ -328,14 +329,19 @@ TEST_F(BundleCommandTest, TheFolderMayBearAnyName) {
   EXPECT_EQ(qrz("--plugin " + path("Other.bundle") + " members").output, wanted);
 }
 
-/// The gallery, made in a process of its own in which `load` loads the plug-in.
-Bytes galleryWith(const std::string& file, const std::function<void()>& load) {
+/// The manual, made in a process of its own in which `load` loads the plug-in.
+Bytes manualWith(const std::string& file, const std::function<void()>& load) {
   const pid_t child = fork();
   if (child == 0) {
     addBuiltInClasses(runtime().registry);
     load();
-    const std::string page = makeGalleryPage();
-    writeFile(file, {reinterpret_cast<const uint8_t*>(page.data()), page.size()});
+    const Manual manual = makeManual();
+    const std::string page = manualPage(manual.groups);
+    Bytes bytes(page.begin(), page.end());
+    for (const ManualPicture& picture : manual.pictures) {
+      bytes.insert(bytes.end(), picture.bytes.begin(), picture.bytes.end());
+    }
+    writeFile(file, bytes);
     _exit(runtime().findLeaks().empty() ? 0 : 1);
   }
   int status = -1;
@@ -344,12 +350,12 @@ Bytes galleryWith(const std::string& file, const std::function<void()>& load) {
   return readFile(file);
 }
 
-TEST_F(BundleCommandTest, TheGalleryIsTheSameWithEitherArtefactAtAnyAddress) {
+TEST_F(BundleCommandTest, TheManualIsTheSameWithEitherArtefactAtAnyAddress) {
   const Bytes wanted =
-      galleryWith(path("elf"), [] { loadPlugin(QRZ_BUILD_FOLDER "/PictureQRZ.so"); });
+      manualWith(path("elf"), [] { loadPlugin(QRZ_BUILD_FOLDER "/PictureQRZ.so"); });
   EXPECT_GT(wanted.size(), 1000000U);
   for (void* address : {kLowAddress, kHighAddress}) {
-    const Bytes page = galleryWith(path("bundle"), [address] {
+    const Bytes page = manualWith(path("bundle"), [address] {
       const Bytes bundle = shippedBundle();
       static const MachOImage image(readMachOFile(bundle), importFromProcess, address);
       reinterpret_cast<void (*)(void* (*)(const char*))>(image.entryPoint())(resolveService);

@@ -66,7 +66,8 @@ TEST_F(CliFaultsTest, WrongUsage) {
   const std::string help = "; `qrz --help` shows the usage";
   const std::string size = "qrz: --size is width x height in pixels, such as 640x480, not '";
   const std::string version = "qrz: --host-version is a number such as 2010.029" + help;
-  const std::string command = "qrz: name a command: apply, run, members, gallery or bench" + help;
+  const std::string command =
+      "qrz: name a command: apply, run, members, gallery, manual or bench" + help;
   const Fault faults[] = {
       {"qrz", 2, command},
       {"qrz bogus", 2, command},
@@ -197,7 +198,7 @@ TEST_F(CliFaultsTest, FilesThatCannotBeWritten) {
       {"ulimit -f 1; qrz apply self sample:colors -o x.bmp", 1,
        "x.bmp: cannot be written: File too large" + room},
       {"ulimit -f 1; qrz gallery new", 1,
-       "new/index.html: cannot be written: File too large" + room},
+       "new/pictures/landscape.jpg: cannot be written: File too large" + room},
       {"ulimit -f 1; qrz run save.rbs", 1,
        "save.rbs:2:3: uncaught IOException: out.bin: cannot be written: File too large" + room},
   };

@@ -1,10 +1,12 @@
 // The entry point, the binding of services and what is registered.
 
 #include <dlfcn.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 
 #include "host/loader/load_plugin.h"
+#include "host/manual/description.h"
 #include "plugin/binding/records.h"
 #include "tests/support/plugin_test.h"
 
@@ -293,6 +295,24 @@ TEST_F(RegistrationTest, ServiceIsLookedUpUntilItIsFoundAndNeverAgain) {
   runtime().replacedServices["newPicture"] = nullptr;
   EXPECT_TRUE(filter(kInvert, source));
   EXPECT_EQ(lookUps(), 0) << "a look-up that succeeded is never repeated";
+}
+
+// --- What is said of it ------------------------------------------------------
+
+using DescriptionTest = PluginTest;
+
+TEST_F(DescriptionTest, EveryMemberHasOne) {
+  Registry& registry = runtime().registry;
+  EXPECT_THAT(descriptionFaults(registry), testing::IsEmpty());
+  Member added;
+  added.isRegistered = true;
+  added.declaration = parseDeclaration("NewQRZ as picture");
+  registry.globals().push_back(added);
+  EXPECT_THAT(descriptionFaults(registry),
+              testing::ElementsAre("NewQRZ as picture: has no description"));
+  registry.globals().pop_back();
+  registry.globals().pop_back();
+  EXPECT_EQ(descriptionFaults(registry).size(), 1U);
 }
 
 }  // namespace

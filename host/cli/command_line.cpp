@@ -67,16 +67,18 @@ void addRun(CLI::App& app, CommandLine& line) {
 }
 
 void addMembers(CLI::App& app, CommandLine& line) {
-  auto* members = app.add_subcommand("members", "List what the plug-in registered");
-  members->add_option("name", line.member, "Only members or classes of this name")
-      ->type_name("MEMBER");
+  auto* members = app.add_subcommand("members", "List what the plug-in registered, or explain it");
+  members->add_option("name", line.member, "A member to explain, or a class")->type_name("MEMBER");
 }
 
-void addGallery(CLI::App& app, CommandLine& line) {
+void addManual(CLI::App& app, CommandLine& line) {
   auto* gallery = app.add_subcommand("gallery", "Make a page with every member before and after");
-  gallery->add_option("folder", line.folder, "The folder for index.html")
-      ->required()
-      ->type_name("FOLDER");
+  auto* manual = app.add_subcommand("manual", "Make the page, and members.md with the same");
+  for (auto* command : {gallery, manual}) {
+    command->add_option("folder", line.folder, "The folder for index.html and its pictures")
+        ->required()
+        ->type_name("FOLDER");
+  }
 }
 
 void addBench(CLI::App& app, BenchOptions& options) {
@@ -127,7 +129,7 @@ void defineCommandLine(CLI::App& app, CommandLine& line) {
   addApply(app, line);
   addRun(app, line);
   addMembers(app, line);
-  addGallery(app, line);
+  addManual(app, line);
   addBench(app, line.bench);
 }
 

@@ -30,8 +30,12 @@ int runScript(const std::string& path, const std::vector<std::string>& arguments
 /// classes of one name.
 int listMembers(const std::string& name);
 
-/// `qrz gallery`: writes index.html into the folder, and makes the folder.
+/// `qrz gallery`: writes the page index.html and its pictures into the folder, and makes the
+/// folder.
 int makeGallery(const std::string& folder);
+
+/// `qrz manual`: the same, and members.md.
+int makeManualFolder(const std::string& folder);
 
 /// What `qrz bench` was asked for.
 struct BenchOptions {

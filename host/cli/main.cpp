@@ -39,6 +39,7 @@ int runCommand(const CLI::App& app, const CommandLine& line) {
   if (app.got_subcommand("run")) return runScript(line.script, line.arguments);
   if (app.got_subcommand("members")) return listMembers(line.member);
   if (app.got_subcommand("bench")) return runBenchmark(line.bench);
+  if (app.got_subcommand("manual")) return makeManualFolder(line.folder);
   return makeGallery(line.folder);
 }
 

@@ -5,6 +5,7 @@
 
 #include "host/cli/commands.h"
 #include "host/core/runtime.h"
+#include "host/manual/member_text.h"
 #include "host/script/suggest.h"
 
 namespace host {
@@ -50,26 +51,51 @@ std::vector<Section> allSections() {
   return classes;
 }
 
-void print(const Section& section) {
+/// How much is said of each member.
+enum class Detail { Declaration, Summary, Everything };
+
+std::string textOf(const Section& section, const Member& member, Detail detail) {
+  const Description* description = findDescription(section.name, member);
+  if (description == nullptr || detail == Detail::Declaration) return {};
+  return detail == Detail::Summary ? summaryText(*description) : memberText(*description);
+}
+
+void print(const Section& section, Detail detail) {
   printf("%s\n", section.title.c_str());
   for (const Member* member : section.members) {
     const char* kind = member->isProperty ? "property  " : "method    ";
     const char* assignable = !member->isProperty && member->assign ? "  (assignable)" : "";
     printf("  %s %s%s%s\n", hex(member->flags).c_str(), kind, member->declaration.text.c_str(),
            assignable);
+    fputs(textOf(section, *member, detail).c_str(), stdout);
   }
 }
 
-/// Keeps what has the name; a class of the name keeps all its members.
+/// Keeps what has the name, which may be "Class.Member".
 std::vector<Section> named(std::vector<Section> sections, const std::string& name) {
+  const size_t dot = name.find('.');
+  const std::string className = dot == std::string::npos ? "" : name.substr(0, dot);
+  const std::string memberName = dot == std::string::npos ? name : name.substr(dot + 1);
   for (Section& section : sections) {
-    if (sameName(section.name, name)) continue;
-    std::erase_if(section.members, [&name](const Member* member) {
-      return !sameName(member->declaration.name, name);
+    const bool isWanted = className.empty() || sameName(section.name, className);
+    std::erase_if(section.members, [&](const Member* member) {
+      return !isWanted || !sameName(member->declaration.name, memberName);
     });
   }
   std::erase_if(sections, [](const Section& section) { return section.members.empty(); });
   return sections;
+}
+
+/// The class of the name, if there is one.
+std::vector<Section> classNamed(std::vector<Section> sections, const std::string& name) {
+  std::erase_if(sections, [&name](const Section& section) {
+    return section.name.empty() || !sameName(section.name, name);
+  });
+  return sections;
+}
+
+void printAll(const std::vector<Section>& sections, Detail detail) {
+  for (const Section& section : sections) print(section, detail);
 }
 
 int complainAboutUnknown(const std::string& name, const std::vector<Section>& sections) {
@@ -88,9 +114,17 @@ int complainAboutUnknown(const std::string& name, const std::vector<Section>& se
 
 int listMembers(const std::string& name) {
   const std::vector<Section> sections = allSections();
-  const std::vector<Section> wanted = name.empty() ? sections : named(sections, name);
-  if (wanted.empty()) return complainAboutUnknown(name, sections);
-  for (const Section& section : wanted) print(section);
+  const std::vector<Section> members = named(sections, name);
+  const std::vector<Section> ofClass = classNamed(sections, name);
+  if (name.empty()) {
+    printAll(sections, Detail::Declaration);
+  } else if (!ofClass.empty()) {
+    printAll(ofClass, Detail::Summary);
+  } else if (!members.empty()) {
+    printAll(members, Detail::Everything);
+  } else {
+    return complainAboutUnknown(name, sections);
+  }
   return kDone;
 }
 

@@ -41,8 +41,9 @@ void writeImage(const std::string& path, const Image& image);
 /// Throws the ImageError that writeImage would throw for the extension, without any other work.
 void checkWritableFormat(const std::string& path);
 
-/// The bytes of a PNG file, with alpha if hasAlpha. Throws ImageError, whose line starts with
-/// "picture", for what writeImage throws about the picture itself.
+/// The bytes of a PNG file, with alpha if hasAlpha, or of a JPEG file. Both throw ImageError, whose
+/// line starts with "picture", for what writeImage throws about the picture itself.
 std::vector<uint8_t> encodePng(const Image& image);
+std::vector<uint8_t> encodeJpeg(const Image& image);
 
 }  // namespace host

@@ -125,6 +125,16 @@ Bytes encode(WritableFormat format, const Image& image) {
   return std::move(sink.bytes);
 }
 
+Bytes encodeInMemory(WritableFormat format, const Image& image) {
+  try {
+    return encode(format, image);
+  } catch (const FileFault& fault) {
+    throw imageError("picture", fault.what());
+  } catch (const std::bad_alloc&) {
+    throw imageError("picture", kOutOfMemory);
+  }
+}
+
 }  // namespace
 
 void checkWritableFormat(const std::string& path) {
@@ -145,13 +155,11 @@ void writeImage(const std::string& path, const Image& image) {
 }
 
 std::vector<uint8_t> encodePng(const Image& image) {
-  try {
-    return encode(WritableFormat::kPng, image);
-  } catch (const FileFault& fault) {
-    throw imageError("picture", fault.what());
-  } catch (const std::bad_alloc&) {
-    throw imageError("picture", kOutOfMemory);
-  }
+  return encodeInMemory(WritableFormat::kPng, image);
+}
+
+std::vector<uint8_t> encodeJpeg(const Image& image) {
+  return encodeInMemory(WritableFormat::kJpeg, image);
 }
 
 }  // namespace host

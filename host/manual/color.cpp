@@ -1,36 +1,71 @@
 #include "host/manual/groups.h"
+#include "host/manual/phrases.h"
 
 namespace host {
+namespace {
 
-std::span<const Recipe> colorRecipes() {
-  static constexpr Recipe kRecipes[] = {
-      {"Picture", "ChangeSaturationQRZ(Amount as integer) as picture", "landscape",
-       "result = self.ChangeSaturationQRZ(300)",
-       "Pushes the channels away from the pixel's grey; -255 leaves only that grey."},
-      {"", "TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
-       "landscape", "result = TintPictureQRZ(self, RGB(76, 150, 29), RGB(255, 224, 176))",
-       "The first colour weighs red, green and blue into a grey; the second is what white "
-       "becomes."},
+constexpr std::string_view kTable =
+    "a memory block of 256 bytes or more; byte i is what a value of i becomes";
+
+}  // namespace
+
+std::span<const Description> colorMembers() {
+  static const Description kMembers[] = {
+      {"Picture",
+       "ChangeSaturationQRZ(Amount as integer) as picture",
+       "Moves each pixel's channels away from its grey level, or towards it.",
+       {{"Amount", "how far, in 255ths of the distance; 0 changes nothing",
+         "any: 255 doubles the distance, -255 leaves the grey alone, less swaps the sides"}},
+       kNoNewPicture,
+       {{"landscape", "self.ChangeSaturationQRZ(300)", "Colours more than twice as strong."},
+        {"landscape", "self.ChangeSaturationQRZ(-255)", "No colours at all."}}},
+      {"",
+       "TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
+       "Weighs each pixel's channels into one level, and colours the levels from black to a "
+       "colour.",
+       {{"source", "the picture to tint, which stays as it is", kAnyPicture},
+        {"GreyBase", "how much red, green and blue count, in 255ths",
+         "any colour; where they add up to more than 255, light parts stop at the colour's limit"},
+        {"SepiaBase", "what white becomes", kAnyColor}},
+       "Nil if the source is nil or cannot be read, or there is no memory for the new picture.",
+       {{"landscape", "TintPictureQRZ(self, RGB(76, 150, 29), RGB(255, 224, 176))",
+         "The weights of the eye, and the colour of old paper."}}},
       {"Picture",
        "TransformColorsQRZ(red as memoryblock, blue as memoryblock, green as memoryblock) as "
        "picture",
-       "landscape",
-       R"(Dim steps As New MemoryBlock(256)
-For i As Integer = 0 To 255
-  steps.Byte(i) = (i \ 52) * 63
-Next
-result = self.TransformColorsQRZ(steps, steps, steps))",
-       "Each channel through a table of its own; this one leaves five levels: a poster."},
-      {"Picture", "ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture",
-       "edges", "result = self.ReplaceColorQRZ(&cFABA1A, &c2E9E5B)",
-       "One exact colour becomes another: yellow turns green, except where edges are blended."},
+       "Sends each channel through a table of its own; note the order red, blue, green.",
+       {{"red", "the table for red", kTable},
+        {"blue", "the table for blue", kTable},
+        {"green", "the table for green", kTable}},
+       "Nil if a block is nil or shorter than 256 bytes, the picture cannot be read, or there is "
+       "no memory for the new one.",
+       {{"landscape",
+         "Dim steps As New MemoryBlock(256)\n"
+         "For i As Integer = 0 To 255\n"
+         "  steps.Byte(i) = (i \\ 52) * 63\n"
+         "Next\n"
+         "self.TransformColorsQRZ(steps, steps, steps)",
+         "One table for all three leaves five levels: a poster."}}},
+      {"Picture",
+       "ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture",
+       "Replaces one exact colour by another and copies all others.",
+       {{"SearchColor", "the colour to replace; nothing near it counts", kAnyColor},
+        {"ReplaceWithColor", "what takes its place", kAnyColor}},
+       kNoNewPicture,
+       {{"edges", "self.ReplaceColorQRZ(&cFABA1A, &c2E9E5B)",
+         "Yellow turns green, except where edges are blended."}}},
       {"Picture",
        "ExtractColorQRZ(SearchColor as color, ReplaceWithColor as color, BackGroundColor as "
        "color) as picture",
-       "edges", "result = self.ExtractColorQRZ(&cDB2924, &c000000, &cE8E8E8)",
-       "Where one exact colour is, and where it is not: all that is red, in black."},
+       "Shows in two colours where one exact colour is and where it is not.",
+       {{"SearchColor", "the colour to look for; nothing near it counts", kAnyColor},
+        {"ReplaceWithColor", "what is written where it is", kAnyColor},
+        {"BackGroundColor", "what is written everywhere else", kAnyColor}},
+       kNoNewPicture,
+       {{"edges", "self.ExtractColorQRZ(&cDB2924, &c000000, &cE8E8E8)",
+         "All that is red, in black."}}},
   };
-  return kRecipes;
+  return kMembers;
 }
 
 }  // namespace host

@@ -1,39 +1,101 @@
 #include "host/manual/groups.h"
+#include "host/manual/phrases.h"
 
 namespace host {
+namespace {
 
-std::span<const Recipe> dataRecipes() {
-  static constexpr Recipe kRecipes[] = {
-      {"", "PicturetoBinaryStringQRZ(p as picture) as string", "colors",
-       R"(Dim data As String = PicturetoBinaryStringQRZ(self)
-result = Left(data, 4) + ", " + Str(Len(data)) + " bytes")",
-       "A picture as a string of bytes: a header of 40, then red, green and blue of every pixel."},
-      {"", "BinaryStringtoPictureQRZ(data as String) as Picture", "colors",
-       R"(Dim data As String = PicturetoBinaryStringQRZ(self)
-Dim rows As Integer = 3 * self.Width * 120
-data = Left(data, 40) + Mid(data, 41 + rows) + Mid(data, 41, rows)
-result = BinaryStringtoPictureQRZ(data))",
-       "And back. Between the two the bytes of the uppermost 120 rows were moved to the end."},
-      {"Picture", "PicHandleQRZ as picture", "landscape", "result = self.PicHandleQRZ",
-       "The picture as a recording of drawing commands, PICT data, drawn again."},
-      {"Picture", "PicHandleDataQRZ as string", "landscape",
-       "result = Str(Len(self.PicHandleDataQRZ)) + \" bytes\"",
-       "The bytes of such a recording as a string."},
-      {"", "BuildPictureWithPicHandleDataQRZ(data as string) as picture", "landscape",
-       "result = BuildPictureWithPicHandleDataQRZ(self.PicHandleDataQRZ)",
-       "A picture from the bytes of a recording."},
+/// Of what serves other systems only.
+Description idle(std::string_view className, std::string_view declaration, std::string_view summary,
+                 std::vector<Argument> arguments, Example example) {
+  return {className,          declaration,         summary, std::move(arguments),
+          "Always the same.", {std::move(example)}};
+}
+
+Argument ignored(std::string_view name) { return {name, "nothing", "any; it is not looked at"}; }
+
+}  // namespace
+
+std::span<const Description> dataExchangeMembers() {
+  static const Description kMembers[] = {
+      {"",
+       "PicturetoBinaryStringQRZ(p as picture) as string",
+       "Turns a picture into a string of bytes: a header of 40, then red, green and blue of every "
+       "pixel.",
+       {{"p", "the picture", "a picture of at most 715,827,869 pixels"}},
+       "Nil if the picture is nil or cannot be read, or there is no memory for the string.",
+       {{"colors",
+         "Dim data As String = PicturetoBinaryStringQRZ(self)\n"
+         "Left(data, 4) + \", \" + Str(Len(data)) + \" bytes\"",
+         "Its first letters and its length.", false}}},
+      {"",
+       "BinaryStringtoPictureQRZ(data as String) as Picture",
+       "Turns such a string back into a picture.",
+       {{"data", "the bytes", "a string from PicturetoBinaryStringQRZ"}},
+       "Nil if the string is nil or not such a string, lacks pixels, or there is no memory for "
+       "the picture.",
+       {{"colors", "BinaryStringtoPictureQRZ(PicturetoBinaryStringQRZ(self))",
+         "There and back: nothing is lost."},
+        {"colors",
+         "Dim data As String = PicturetoBinaryStringQRZ(self)\n"
+         "Dim rows As Integer = 3 * self.Width * 120\n"
+         "BinaryStringtoPictureQRZ(Left(data, 40) + Mid(data, 41 + rows) + Mid(data, 41, rows))",
+         "On the way the bytes of the uppermost 120 rows were moved to the end."}}},
+      {"Picture",
+       "PicHandleQRZ as picture",
+       "Makes a picture of PICT data, a recording of what it takes to draw this one.",
+       {},
+       "Nil if the picture is nil, wider or higher than 32,767, or cannot be recorded.",
+       {{"landscape", "self.PicHandleQRZ", "The recording, drawn again."}}},
+      {"Picture",
+       "PicHandleDataQRZ as string",
+       "Gives the bytes of such a recording as a string.",
+       {},
+       "Nil if the picture is nil, wider or higher than 32,767, or cannot be recorded.",
+       {{"landscape", "Str(Len(self.PicHandleDataQRZ)) + \" bytes\"", "Its length.", false}}},
+      {"",
+       "BuildPictureWithPicHandleDataQRZ(data as string) as picture",
+       "Makes a picture from the bytes of a recording.",
+       {{"data", "the bytes of PICT data", "any string; what is no PICT data draws nothing"}},
+       "Nil if there is no memory or the host refuses.",
+       {{"landscape", "BuildPictureWithPicHandleDataQRZ(self.PicHandleDataQRZ)",
+         "There and back."}}},
       {"",
        "BuildPictureWithGWorldHandleQRZ(handle as integer, ByPassOwernerShip as boolean) as "
        "picture",
-       "landscape",
-       R"(Dim shown As Picture = BuildPictureWithGWorldHandleQRZ(self.Graphics.Handle, False)
-If shown Is Nil Then shown = self  ' no offscreen world behind it
-shown.Graphics.ForeColor = &cFFC000
-shown.Graphics.FillRect(40, 40, 80, 80)
-result = self)",
-       "A second picture of the same offscreen world: what is drawn into it is drawn into both."},
+       "Makes a picture of an offscreen world that exists already; what is drawn into one shows in "
+       "the other.",
+       {{"handle", "the address of the GWorld", "as Graphics.Handle gives it; 0 for none"},
+        {"ByPassOwernerShip", "whether the new picture owns it", "True or False"}},
+       "Nil for 0, and if the host refuses.",
+       {{"landscape",
+         "Dim shown As Picture = BuildPictureWithGWorldHandleQRZ(self.Graphics.Handle, False)\n"
+         "If shown Is Nil Then shown = self\n"
+         "shown.Graphics.ForeColor = &cFFC000\n"
+         "shown.Graphics.FillRect(40, 40, 80, 80)\n"
+         "self",
+         "The square was drawn into the second picture."}}},
+      idle("Picture", "MakeHBITMAPQRZ as integer",
+           "Gives 0: such handles belong to another system.", {},
+           {"edges", "self.MakeHBITMAPQRZ", "Always 0.", false}),
+      idle("Graphics",
+           "StretchDIBitsQRZ(XDest as integer, YDest as integer, DestWidth as integer, DestHeight "
+           "as integer, XSource as integer, YSource as integer, SourceWidth as integer, "
+           "SourceHeight as integer, Bits as memoryblock, ImageWidth as integer, ImageHeight as "
+           "integer, ImageBitCount as integer) as boolean",
+           "Draws nothing and gives false: such bitmaps belong to another system.",
+           {ignored("XDest"), ignored("YDest"), ignored("DestWidth"), ignored("DestHeight"),
+            ignored("XSource"), ignored("YSource"), ignored("SourceWidth"), ignored("SourceHeight"),
+            ignored("Bits"), ignored("ImageWidth"), ignored("ImageHeight"),
+            ignored("ImageBitCount")},
+           {"edges",
+            "self.Graphics.StretchDIBitsQRZ(0, 0, 8, 8, 0, 0, 8, 8, New MemoryBlock(256), 8, 8, "
+            "32)",
+            "Always false.", false}),
+      idle("Graphics", "PaintDesktopQRZ",
+           "Does nothing: painting the desktop belongs to another system.", {},
+           {"edges", "self.Graphics.PaintDesktopQRZ\nself", "The picture stays as it is."}),
   };
-  return kRecipes;
+  return kMembers;
 }
 
 }  // namespace host

@@ -1,67 +1,141 @@
+#include <vector>
+
 #include "host/manual/groups.h"
+#include "host/manual/phrases.h"
 
 namespace host {
+namespace {
 
-/// A table that passes the channels round.
-#define FILLED_TABLE                       \
-  "Dim lut As New PictureLut3DQRZ\n"       \
-  "For r As Integer = 0 To 15\n"           \
-  "  For g As Integer = 0 To 15\n"         \
-  "    For b As Integer = 0 To 15\n"       \
-  "      lut.Table(r, g, b, 0) = 17 * b\n" \
-  "      lut.Table(r, g, b, 1) = 17 * r\n" \
-  "      lut.Table(r, g, b, 2) = 17 * g\n" \
-  "    Next\n"                             \
-  "  Next\n"                               \
-  "Next\n"                                 \
-  "lut.SourcePicture = self\n"
+using Descriptions = std::vector<Description>;
 
-/// Warm tones.
-#define SEPIA                          \
-  "Dim sepia As New PictureSepiaQRZ\n" \
-  "sepia.SourcePicture = self\n"       \
-  "sepia.SepiaRed = 40\n"              \
-  "sepia.SepiaGreen = 14\n"            \
-  "sepia.SepiaBlue = -26\n"
+constexpr std::string_view kLut = "PictureLut3DQRZ";
+constexpr std::string_view kSepia = "PictureSepiaQRZ";
 
-std::span<const Recipe> filterRecipes() {
-  static constexpr Recipe kRecipes[] = {
-      {"PictureLut3DQRZ", "Run as boolean", "landscape",
-       R"(Dim lut As New PictureLut3DQRZ
+/// A property, which any value of its type may be assigned to.
+Description property(std::string_view className, std::string_view declaration,
+                     std::string_view summary, Argument value, std::vector<Example> examples) {
+  value.name = "value";
+  return {className, declaration, summary, {value}, kCannotFail, std::move(examples)};
+}
+
+/// What both classes have beside Run. `variable` is an instance's name in the
+/// examples, and `setup` makes one that is ready to run on self.
+struct Filter {
+  std::string_view className;
+  std::string variable;
+  std::string setup;
+  std::string_view sample;
+
+  [[nodiscard]] std::string with(const std::string& assignment) const {
+    return setup + variable + "." + assignment + "\nCall " + variable + ".Run\n" + variable +
+           ".DestinationPicture";
+  }
+};
+
+Descriptions pictureProperties(const Filter& filter, std::string_view destination) {
+  return {
+      property(filter.className, "SourcePicture as Picture",
+               "The picture that Run reads; it stays as it is.",
+               {"", "the picture", "a picture or Nil, with which Run gives false"},
+               {{filter.sample, filter.setup + filter.variable + ".SourcePicture",
+                 "What was assigned, unchanged."}}),
+      property(filter.className, "DestinationPicture as Picture", destination,
+               {"", "the picture", "a picture or Nil; the next Run that succeeds replaces it"},
+               {{filter.sample,
+                 "Dim " + filter.variable + " As New " + std::string(filter.className) + "\n" +
+                     filter.variable + ".SourcePicture = self\nCall " + filter.variable + ".Run\n" +
+                     filter.variable + ".DestinationPicture",
+                 filter.className == kLut ? "A table that was never filled makes every pixel black."
+                                          : "Without offsets it is a grey picture."}}),
+  };
+}
+
+Descriptions regionProperties(const Filter& filter) {
+  constexpr std::string_view kFirst = "any; less than 0 is 0; beyond the picture, none is written";
+  constexpr std::string_view kEnd = "any; not above the first, or beyond the picture: its edge";
+  return {
+      property(filter.className, "MinX as Integer", "The first column that Run writes.",
+               {"", "the column", kFirst},
+               {{filter.sample, filter.with("MinX = 120"), "The left half stays white."}}),
+      property(filter.className, "MinY as Integer", "The first row that Run writes.",
+               {"", "the row", kFirst},
+               {{filter.sample, filter.with("MinY = 80"), "The upper half stays white."}}),
+      property(filter.className, "MaxX as Integer",
+               "The column after the last one that Run writes.", {"", "the column", kEnd},
+               {{filter.sample, filter.with("MaxX = 120"), "The right half stays white."}}),
+      property(filter.className, "MaxY as Integer", "The row after the last one that Run writes.",
+               {"", "the row", kEnd},
+               {{filter.sample, filter.with("MaxY = 80"), "The lower half stays white."}}),
+  };
+}
+
+Description closing(const Filter& filter, std::string_view summary) {
+  return {filter.className,
+          "Close",
+          summary,
+          {},
+          "Cannot fail, also if it is called twice.",
+          {{filter.sample,
+            filter.setup + filter.variable + ".Close\n" + filter.variable + ".SourcePicture Is Nil",
+            "The picture is released.", false}}};
+}
+
+// ---- The three-dimensional table
+
+Filter tableFilter() {
+  return {kLut, "lut",
+          R"(Dim lut As New PictureLut3DQRZ
 For r As Integer = 0 To 15
   For g As Integer = 0 To 15
     For b As Integer = 0 To 15
-      lut.Table(r, g, b, 0) = Min(255, 17 * r * 1.15 + 12)
+      lut.Table(r, g, b, 0) = 17 * b
+      lut.Table(r, g, b, 1) = 17 * r
+      lut.Table(r, g, b, 2) = 17 * g
+    Next
+  Next
+Next
+lut.SourcePicture = self
+)",
+          "gradients@240x160"};
+}
+
+Descriptions tableMembers() {
+  constexpr std::string_view kIndex = "0 to 17; Run uses 0 to 15, the levels 0, 17, 34 … 255";
+  return {
+      {kLut,
+       "Run as boolean",
+       "Maps every pixel of the region through the table, interpolated between its points, into a "
+       "new DestinationPicture.",
+       {},
+       "False, with a DestinationPicture of Nil, if there is no SourcePicture, it cannot be read, "
+       "or there is no memory for the new one.",
+       {{"landscape",
+         R"(Dim lut As New PictureLut3DQRZ
+For r As Integer = 0 To 15
+  For g As Integer = 0 To 15
+    For b As Integer = 0 To 15
+      lut.Table(r, g, b, 0) = 17 * r * 1.15 + 12
       lut.Table(r, g, b, 1) = 17 * g * 0.95
       lut.Table(r, g, b, 2) = 17 * b * 0.7 + 30
     Next
   Next
 Next
 lut.SourcePicture = self
-If lut.Run Then result = lut.DestinationPicture)",
-       "A table of 16 x 16 x 16 colours, interpolated between its points."},
-      {"PictureLut3DQRZ", "SourcePicture as Picture", "colors@240x160",
-       "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nresult = lut.SourcePicture",
-       "The picture that Run maps."},
-      {"PictureLut3DQRZ", "DestinationPicture as Picture", "colors@240x160",
-       "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nCall lut.Run\n"
-       "result = lut.DestinationPicture",
-       "The result of Run. A table that was never filled makes every pixel black."},
-      {"PictureLut3DQRZ", "MaxX as Integer", "gradients@240x160",
-       FILLED_TABLE "lut.MaxX = 80\nCall lut.Run\nresult = lut.DestinationPicture",
-       "The column after the last one that is mapped; the rest stays white."},
-      {"PictureLut3DQRZ", "MinX as Integer", "gradients@240x160",
-       FILLED_TABLE "lut.MinX = 80\nCall lut.Run\nresult = lut.DestinationPicture",
-       "The first column that is mapped."},
-      {"PictureLut3DQRZ", "MaxY as Integer", "gradients@240x160",
-       FILLED_TABLE "lut.MaxY = 50\nCall lut.Run\nresult = lut.DestinationPicture",
-       "The row after the last one that is mapped."},
-      {"PictureLut3DQRZ", "MinY as Integer", "gradients@240x160",
-       FILLED_TABLE "lut.MinY = 50\nCall lut.Run\nresult = lut.DestinationPicture",
-       "The first row that is mapped."},
-      {"PictureLut3DQRZ", "Table(r as integer, g as integer, b as integer, x as integer) as double",
-       "edges",
-       R"(Dim lut As New PictureLut3DQRZ
+Call lut.Run
+lut.DestinationPicture)",
+         "A warm look from a table of 16 × 16 × 16 colours."}}},
+      {kLut,
+       "Table(r as integer, g as integer, b as integer, x as integer) as double",
+       "What one point of the table becomes in one channel; read, or assigned to fill the table.",
+       {{"r", "the point's place in red", kIndex},
+        {"g", "the point's place in green", kIndex},
+        {"b", "the point's place in blue", kIndex},
+        {"x", "the channel of the result", "0 red, 1 green, 2 blue"},
+        {"value", "the level, when it is assigned",
+         "any number; Run cuts to 0 to 255, what is no number is 0"}},
+       "0 outside the table; an assignment there does nothing.",
+       {{"edges",
+         R"(Dim lut As New PictureLut3DQRZ
 For r As Integer = 0 To 15
   For g As Integer = 0 To 15
     For b As Integer = 0 To 15
@@ -72,66 +146,98 @@ For r As Integer = 0 To 15
   Next
 Next
 lut.SourcePicture = self
-If lut.Run Then result = lut.DestinationPicture)",
-       "Red, green and blue in, one output channel x: any formula fills the table."},
-      {"PictureLut3DQRZ", "Close", "colors@240x160",
-       "Dim lut As New PictureLut3DQRZ\nlut.SourcePicture = self\nlut.Close\n"
-       "result = lut.SourcePicture Is Nil",
-       "Releases both pictures; the table stays."},
-      {"PictureSepiaQRZ", "Run as boolean", "landscape",
-       SEPIA "Call sepia.Run\nresult = sepia.DestinationPicture",
-       "A grey from weighted red, green and blue, and an offset for each channel."},
-      {"PictureSepiaQRZ", "SourcePicture as Picture", "landscape@240x160",
-       SEPIA "result = sepia.SourcePicture", "The picture that Run tones; it stays as it is."},
-      {"PictureSepiaQRZ", "DestinationPicture as Picture", "colors@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\nCall sepia.Run\n"
-       "result = sepia.DestinationPicture",
-       "The result of Run. Without offsets it is a grey picture."},
-      {"PictureSepiaQRZ", "MaxX as Integer", "landscape@240x160",
-       SEPIA "sepia.MaxX = 120\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "The column after the last one that is toned; the rest stays white."},
-      {"PictureSepiaQRZ", "MinX as Integer", "landscape@240x160",
-       SEPIA "sepia.MinX = 120\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "The first column that is toned."},
-      {"PictureSepiaQRZ", "MaxY as Integer", "landscape@240x160",
-       SEPIA "sepia.MaxY = 80\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "The row after the last one that is toned."},
-      {"PictureSepiaQRZ", "MinY as Integer", "landscape@240x160",
-       SEPIA "sepia.MinY = 80\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "The first row that is toned."},
-      {"PictureSepiaQRZ", "SepiaRed as Integer", "landscape@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n"
-       "sepia.SepiaRed = 60\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "Added to the red of every pixel; alone it makes a red tone."},
-      {"PictureSepiaQRZ", "SepiaGreen as Integer", "landscape@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n"
-       "sepia.SepiaGreen = 60\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "Added to the green of every pixel."},
-      {"PictureSepiaQRZ", "SepiaBlue as Integer", "landscape@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n"
-       "sepia.SepiaBlue = 60\nCall sepia.Run\nresult = sepia.DestinationPicture",
-       "Added to the blue of every pixel: here a blueprint."},
-      {"PictureSepiaQRZ", "FactorRed as Double", "colors@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n"
-       "sepia.FactorRed = 1\nsepia.FactorGreen = 0\nsepia.FactorBlue = 0\n"
-       "Call sepia.Run\nresult = sepia.DestinationPicture",
-       "How much red counts in the grey, 0.299 if nothing is assigned; with 1 and no others, red "
-       "balls are the lightest."},
-      {"PictureSepiaQRZ", "FactorBlue as Double", "colors@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n"
-       "sepia.FactorBlue = 1\nsepia.FactorRed = 0\nsepia.FactorGreen = 0\n"
-       "Call sepia.Run\nresult = sepia.DestinationPicture",
-       "How much blue counts; 0.114 if nothing is assigned."},
-      {"PictureSepiaQRZ", "FactorGreen as Double", "colors@240x160",
-       "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n"
-       "sepia.FactorGreen = 1\nsepia.FactorRed = 0\nsepia.FactorBlue = 0\n"
-       "Call sepia.Run\nresult = sepia.DestinationPicture",
-       "How much green counts; 0.587 if nothing is assigned."},
-      {"PictureSepiaQRZ", "Close", "landscape@240x160",
-       SEPIA "sepia.Close\nresult = sepia.SourcePicture Is Nil",
-       "Releases both pictures; offsets and weights stay."},
+Call lut.Run
+lut.DestinationPicture)",
+         "Any formula fills the table: here red and blue change places, and green is between "
+         "them."}}},
   };
-  return kRecipes;
+}
+
+// ---- Toned grey
+
+Filter toner(const std::string& properties =
+                 "sepia.SepiaRed = 40\n"
+                 "sepia.SepiaGreen = 14\n"
+                 "sepia.SepiaBlue = -26\n",
+             std::string_view sample = "landscape@240x160") {
+  return {kSepia, "sepia",
+          "Dim sepia As New PictureSepiaQRZ\nsepia.SourcePicture = self\n" + properties, sample};
+}
+
+Descriptions tonerRun() {
+  return {{kSepia,
+           "Run as boolean",
+           "Makes a weighted grey of every pixel of the region and adds an offset to each channel, "
+           "into a new DestinationPicture.",
+           {},
+           "False, with DestinationPicture as it was, if there is no SourcePicture, it cannot be "
+           "read, or there is no memory for the new one.",
+           {{"landscape", toner().setup + "Call sepia.Run\nsepia.DestinationPicture",
+             "Warm tones, like an old print."}}}};
+}
+
+Descriptions offsetProperties() {
+  constexpr std::string_view kOffset = "any; a result beyond 0 or 255 stops there";
+  const Filter plain = toner("");
+  return {
+      property(kSepia, "SepiaRed as Integer", "What is added to the grey for red.",
+               {"", "the offset", kOffset},
+               {{plain.sample, plain.with("SepiaRed = 60"), "Alone it makes a red tone."}}),
+      property(kSepia, "SepiaGreen as Integer", "What is added to the grey for green.",
+               {"", "the offset", kOffset},
+               {{plain.sample, plain.with("SepiaGreen = 60"), "Alone it makes a green tone."}}),
+      property(kSepia, "SepiaBlue as Integer", "What is added to the grey for blue.",
+               {"", "the offset", kOffset},
+               {{plain.sample, plain.with("SepiaBlue = 60"), "A blueprint."}}),
+  };
+}
+
+Descriptions factorProperties() {
+  constexpr std::string_view kWeight = "any number, in steps of 1 / 1024; what is no number is 0";
+  const std::string_view sample = "colors@240x160";
+  const Filter noGreen = toner("sepia.FactorGreen = 0\nsepia.FactorBlue = 0\n", sample);
+  const Filter noRed = toner("sepia.FactorRed = 0\nsepia.FactorBlue = 0\n", sample);
+  const Filter neither = toner("sepia.FactorRed = 0\nsepia.FactorGreen = 0\n", sample);
+  return {
+      property(
+          kSepia, "FactorRed as Double", "How much red counts in the grey; 0.299 at first.",
+          {"", "the weight", kWeight},
+          {{sample, noGreen.with("FactorRed = 1"), "With red alone, red balls are the lightest."}}),
+      property(kSepia, "FactorGreen as Double",
+               "How much green counts in the grey; 0.587 at first.", {"", "the weight", kWeight},
+               {{sample, noRed.with("FactorGreen = 1"),
+                 "With green alone, green balls are the lightest."}}),
+      property(kSepia, "FactorBlue as Double", "How much blue counts in the grey; 0.114 at first.",
+               {"", "the weight", kWeight},
+               {{sample, neither.with("FactorBlue = 1"),
+                 "With blue alone, blue balls are the lightest."}}),
+  };
+}
+
+Descriptions allMembers() {
+  Descriptions members;
+  const auto add = [&members](const Descriptions& more) {
+    members.insert(members.end(), more.begin(), more.end());
+  };
+  add(tableMembers());
+  add(pictureProperties(tableFilter(),
+                        "The result of Run, which releases the one before; Nil where it failed."));
+  add(regionProperties(tableFilter()));
+  add({closing(tableFilter(), "Releases both pictures; table and region stay.")});
+  add(tonerRun());
+  add(offsetProperties());
+  add(factorProperties());
+  add(pictureProperties(toner(), "The result of Run; where Run fails, that of the one before."));
+  add(regionProperties(toner()));
+  add({closing(toner(), "Releases both pictures; offsets, weights and region stay.")});
+  return members;
+}
+
+}  // namespace
+
+std::span<const Description> filterMembers() {
+  static const Descriptions members = allMembers();
+  return members;
 }
 
 }  // namespace host

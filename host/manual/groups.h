@@ -1,19 +1,18 @@
-// The recipes of each group; recipes.cpp puts the groups in order.
+// The descriptions of each group; descriptions.cpp puts the groups in order.
 #pragma once
 
 #include "host/manual/description.h"
 
 namespace host {
 
-std::span<const Recipe> toneRecipes();
-std::span<const Recipe> colorRecipes();
-std::span<const Recipe> channelRecipes();
-std::span<const Recipe> maskRecipes();
-std::span<const Recipe> searchRecipes();
-std::span<const Recipe> scrollRecipes();
-std::span<const Recipe> filterRecipes();
-std::span<const Recipe> waveformRecipes();
-std::span<const Recipe> dataRecipes();
-std::span<const Recipe> otherRecipes();
+std::span<const Description> toneMembers();
+std::span<const Description> colorMembers();
+std::span<const Description> channelMembers();
+std::span<const Description> maskMembers();
+std::span<const Description> searchMembers();
+std::span<const Description> scrollingMembers();
+std::span<const Description> filterMembers();
+std::span<const Description> waveformMembers();
+std::span<const Description> dataExchangeMembers();
 
 }  // namespace host

@@ -1,13 +1,14 @@
 #include "host/manual/manual.h"
 
+#include <algorithm>
+#include <map>
 #include <sstream>
 #include <stdexcept>
-#include <vector>
 
 #include "host/core/interrupt.h"
 #include "host/core/runtime.h"
+#include "host/files/image_file.h"
 #include "host/files/picture_io.h"
-#include "host/manual/page.h"
 #include "host/manual/description.h"
 #include "host/script/conversion.h"
 #include "host/script/script.h"
@@ -15,24 +16,10 @@
 namespace host {
 namespace {
 
-bool shows(const Recipe& recipe, std::string_view className, const Member& member) {
-  return sameName(recipe.className, className) && recipe.declaration == member.declaration.text;
-}
-
-bool hasRecipe(std::string_view className, const Member& member) {
-  for (const RecipeGroup& group : recipeGroups()) {
-    for (const Recipe& recipe : group.recipes) {
-      if (shows(recipe, className, member)) return true;
-    }
-  }
-  return false;
-}
-
-/// Throws if a registered member has no recipe.
 void checkMembers(std::string_view className, const std::vector<Member>& members) {
   for (const Member& member : members) {
-    if (member.isRegistered && !hasRecipe(className, member)) {
-      throw std::logic_error("the gallery has no recipe for " + std::string(className) +
+    if (member.isRegistered && findDescription(className, member) == nullptr) {
+      throw std::logic_error("the manual does not describe " + std::string(className) +
                              (className.empty() ? "" : ".") + member.declaration.text);
     }
   }
@@ -45,71 +32,104 @@ void checkAllMembers() {
 }
 
 /// Another build of the plug-in may lack members.
-bool isRegistered(const Recipe& recipe) {
+bool isRegistered(const Description& description) {
   Registry& registry = runtime().registry;
-  const Class* owner = registry.findClass(recipe.className);
-  if (owner == nullptr && !recipe.className.empty()) return false;
-  for (const Member& member : owner != nullptr ? owner->members : registry.globals()) {
-    if (member.isRegistered && shows(recipe, recipe.className, member)) return true;
+  const Class* owner = registry.findClass(description.className);
+  if (owner == nullptr && !description.className.empty()) return false;
+  return std::ranges::any_of(
+      owner != nullptr ? owner->members : registry.globals(), [&](const Member& member) {
+        return member.isRegistered &&
+               findDescription(description.className, member) == &description;
+      });
+}
+
+class ManualMaker {
+ public:
+  Manual make() {
+    for (const DescriptionGroup& group : descriptionGroups()) {
+      ShownGroup shown{std::string(group.title), {}};
+      for (const Description& description : group.members) {
+        if (isRegistered(description)) shown.members.push_back(shownMember(description));
+      }
+      if (!shown.members.empty()) manual_.groups.push_back(std::move(shown));
+    }
+    return std::move(manual_);
   }
-  return false;
-}
 
-/// What a reader copies: of a single line the expression alone, which also
-/// works on the command line.
-std::string shownProgram(std::string_view program) {
-  constexpr std::string_view assignment = "result = ";
-  const bool isOneLine = program.find('\n') == std::string_view::npos;
-  if (isOneLine && program.starts_with(assignment)) program.remove_prefix(assignment.size());
-  return std::string(program);
-}
-
-/// Members of the plug-in's own classes are named with their class.
-std::string shownName(const Recipe& recipe) {
-  const Class* owner = runtime().registry.findClass(recipe.className);
-  const std::string name = parseDeclaration(recipe.declaration).name;
-  return owner != nullptr && owner->isRegistered ? owner->name + "." + name : name;
-}
-
-GalleryEntry entryFor(const Recipe& recipe) {
-  GalleryEntry entry;
-  std::ostringstream output;
-  Interpreter interpreter(runtime().registry, output);
-  if (!recipe.sample.empty()) {
-    const auto before = openPicture("sample:" + std::string(recipe.sample));
-    entry.before = imageOf(*before);
-    interpreter.setVariable("self", objectValue(before));
+ private:
+  ShownMember shownMember(const Description& description) {
+    ShownMember member;
+    member.name = shownName(description);
+    const int count = ++counts_[member.name];
+    member.anchor = member.name + (count > 1 ? "-" + std::to_string(count) : "");
+    member.declaration = description.declaration;
+    member.summary = description.summary;
+    for (const Argument& argument : description.arguments) {
+      member.arguments.push_back(
+          {std::string(argument.name), std::string(argument.meaning), std::string(argument.range)});
+    }
+    member.failure = description.failure;
+    char letter = 'a';
+    for (const Example& example : description.examples) {
+      checkInterrupt();
+      const std::string suffix = letter == 'a' ? "" : std::string(".") + letter;
+      member.examples.push_back(shownExample(example, member.anchor + suffix));
+      ++letter;
+    }
+    return member;
   }
-  interpreter.setVariable("result", Nil{});
-  interpreter.run(Script::parse(std::string(recipe.program), std::string(recipe.declaration)));
-  const Value result = interpreter.evaluate("result", "result");
 
-  entry.declaration = recipe.declaration;
-  entry.member = shownName(recipe);
-  entry.expression = shownProgram(recipe.program);
-  entry.note = recipe.note;
-  if (const auto* picture = objectAs<Picture>(result)) {
-    entry.after = imageOf(*picture);
-  } else {
-    entry.value = textOf(result);
+  ShownExample shownExample(const Example& example, const std::string& name) {
+    ShownExample shown{example.program, commandOf(example), std::string(example.note), {}, {}, {}};
+    Interpreter interpreter(runtime().registry, unused_);
+    if (!example.sample.empty()) {
+      const auto self = openPicture("sample:" + std::string(example.sample));
+      shown.before = sample(std::string(example.sample), *self);
+      interpreter.setVariable("self", objectValue(self));
+    }
+    const Value result = interpreter.evaluate(example.program, name);
+    if (const auto* picture = objectAs<Picture>(result)) {
+      shown.after = add(name, imageOf(*picture));
+    } else {
+      shown.value = textOf(result);
+    }
+    return shown;
   }
-  return entry;
-}
+
+  /// A built-in picture; most are the subject of many examples.
+  ShownPicture sample(std::string name, const Picture& picture) {
+    std::ranges::replace(name, '@', '-');
+    const auto known = samples_.find(name);
+    if (known != samples_.end()) return known->second;
+    return samples_[name] = add(name, imageOf(picture));
+  }
+
+  /// As JPEG if PNG, which keeps every pixel as it is, takes much more.
+  ShownPicture add(const std::string& name, const Image& image) {
+    std::vector<uint8_t> bytes = encodePng(image);
+    std::string extension = ".png";
+    if (!image.hasAlpha) {
+      std::vector<uint8_t> jpeg = encodeJpeg(image);
+      if (2 * jpeg.size() < bytes.size()) {
+        bytes = std::move(jpeg);
+        extension = ".jpg";
+      }
+    }
+    manual_.pictures.push_back({"pictures/" + name + extension, std::move(bytes)});
+    return {manual_.pictures.back().file, image.width, image.height};
+  }
+
+  Manual manual_;
+  std::map<std::string, int> counts_;  ///< of the members of each name so far
+  std::map<std::string, ShownPicture> samples_;
+  std::ostringstream unused_;
+};
 
 }  // namespace
 
-std::string makeGalleryPage() {
+Manual makeManual() {
   checkAllMembers();
-  std::vector<GalleryGroup> groups;
-  for (const RecipeGroup& group : recipeGroups()) {
-    GalleryGroup shown{std::string(group.title), {}};
-    for (const Recipe& recipe : group.recipes) {
-      checkInterrupt();
-      if (isRegistered(recipe)) shown.entries.push_back(entryFor(recipe));
-    }
-    if (!shown.entries.empty()) groups.push_back(std::move(shown));
-  }
-  return galleryPage(groups);
+  return ManualMaker().make();
 }
 
 }  // namespace host

@@ -1,13 +1,26 @@
-// The gallery: every registered member before and after.
+// The manual: every registered member explained, with pictures of what it does.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
+
+#include "host/manual/shown.h"
 
 namespace host {
 
-/// Runs the recipe of every registered member and returns the page. A recipe
-/// whose program fails throws ScriptError; members without a recipe throw
-/// std::logic_error, which names them.
-std::string makeGalleryPage();
+struct ManualPicture {
+  std::string file;  ///< as in ShownPicture
+  std::vector<uint8_t> bytes;
+};
+
+struct Manual {
+  std::vector<ShownGroup> groups;
+  std::vector<ManualPicture> pictures;
+};
+
+/// Runs all examples of the members that are registered. An example that fails throws ScriptError;
+/// a member without a description throws std::logic_error, which names it.
+Manual makeManual();
 
 }  // namespace host

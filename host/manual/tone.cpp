@@ -1,46 +1,104 @@
 #include "host/manual/groups.h"
+#include "host/manual/phrases.h"
 
 namespace host {
+namespace {
 
-std::span<const Recipe> toneRecipes() {
-  static constexpr Recipe kRecipes[] = {
-      {"Picture", "ChangeBrightnessLinearQRZ(x as double) as picture", "landscape",
-       "result = self.ChangeBrightnessLinearQRZ(120)",
-       "Moves every channel 120 / 255 of its way to white; black becomes grey, white stays."},
-      {"Picture", "ChangeBrightnessLinearQRZ(r as double, g as double, b as double) as picture",
-       "landscape", "result = self.ChangeBrightnessLinearQRZ(90, 0, -120)",
-       "One number per channel: red to white, green as it is, blue to black, an evening light."},
-      {"Picture", "ChangeBrightnessAbsoluteQRZ(x as double) as picture", "landscape",
-       "result = self.ChangeBrightnessAbsoluteQRZ(70)",
-       "Adds 70 to every channel; what passes 255 stops there, so the sky loses its detail."},
-      {"Picture", "ChangeBrightnessAbsoluteQRZ(r as double, g as double, b as double) as picture",
-       "greys", "result = self.ChangeBrightnessAbsoluteQRZ(-40, 0, 60)",
-       "One number per channel: less red and more blue make a cold light."},
-      {"Picture", "ChangeContrastQRZ(x as double) as picture", "landscape",
-       "result = self.ChangeContrastQRZ(0.8)",
-       "Pushes every channel away from the middle, 127; 0 changes nothing, -1 makes all of it "
-       "grey."},
-      {"Picture", "ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture",
-       "colors", "result = self.ChangeContrastQRZ(1, 0, -1)",
-       "One number per channel: steeper red, green as it is, and a blue of 127 everywhere."},
-      {"Picture", "ChangeCustomQRZ(a as double, b as double) as picture", "greys",
-       "result = self.ChangeCustomQRZ(-0.8, 230)",
-       "Every channel times a plus b: here a soft negative."},
-      {"Picture", "InvertQRZ as picture", "landscape", "result = self.InvertQRZ",
-       "Every channel becomes 255 minus itself."},
+constexpr std::string_view kFade =
+    "0 to 255 towards white, 0 to -255 towards black; further values wrap around";
+constexpr std::string_view kSlope =
+    "any number: -1 to 0 flattens, more than 0 steepens, less than -1 also inverts";
+
+}  // namespace
+
+std::span<const Description> toneMembers() {
+  static const Description kMembers[] = {
+      {"Picture",
+       "ChangeBrightnessLinearQRZ(x as double) as picture",
+       "Moves every channel a part of its way to white or to black, so that no detail is lost.",
+       {{"x", "how far, in 255ths of the way", kFade}},
+       kNoNewPicture,
+       {{"landscape", "self.ChangeBrightnessLinearQRZ(120)",
+         "120 / 255 of the way to white: black becomes grey, white stays."}}},
+      {"Picture",
+       "ChangeBrightnessLinearQRZ(r as double, g as double, b as double) as picture",
+       "Moves each channel its own part of the way to full or to none.",
+       {{"r", "how far red moves, in 255ths of the way", kFade},
+        {"g", "how far green moves", kFade},
+        {"b", "how far blue moves", kFade}},
+       kNoNewPicture,
+       {{"landscape", "self.ChangeBrightnessLinearQRZ(90, 0, -120)",
+         "More red, green as it is, less blue: an evening light."}}},
+      {"Picture",
+       "ChangeBrightnessAbsoluteQRZ(x as double) as picture",
+       "Adds the same to every channel.",
+       {{"x", "what is added", kAnyNumber}},
+       kNoNewPicture,
+       {{"landscape", "self.ChangeBrightnessAbsoluteQRZ(70)",
+         "What passes 255 stops there, so the sky loses its detail."}}},
+      {"Picture",
+       "ChangeBrightnessAbsoluteQRZ(r as double, g as double, b as double) as picture",
+       "Adds to each channel a number of its own.",
+       {{"r", "what is added to red", kAnyNumber},
+        {"g", "what is added to green", kAnyNumber},
+        {"b", "what is added to blue", kAnyNumber}},
+       kNoNewPicture,
+       {{"greys", "self.ChangeBrightnessAbsoluteQRZ(-40, 0, 60)",
+         "Less red and more blue make a cold light."}}},
+      {"Picture",
+       "ChangeContrastQRZ(x as double) as picture",
+       "Multiplies the distance of every channel from the middle, 127, by 1 + x.",
+       {{"x", "how much steeper; 0 changes nothing, -1 makes all of it 127", kSlope}},
+       kNoNewPicture,
+       {{"landscape", "self.ChangeContrastQRZ(0.8)",
+         "Light becomes lighter and dark darker, up to white and black."}}},
+      {"Picture",
+       "ChangeContrastQRZ(xr as double, xg as double, xb as double) as picture",
+       "Multiplies the distance of each channel from the middle, 127, by 1 and its own number.",
+       {{"xr", "how much steeper red becomes", kSlope},
+        {"xg", "how much steeper green becomes", kSlope},
+        {"xb", "how much steeper blue becomes", kSlope}},
+       kNoNewPicture,
+       {{"colors", "self.ChangeContrastQRZ(1, 0, -1)",
+         "Steeper red, green as it is, and a blue of 127 everywhere."}}},
+      {"Picture",
+       "ChangeCustomQRZ(a as double, b as double) as picture",
+       "Replaces every channel value v by a × v + b.",
+       {{"a", "what the channel is multiplied by", kAnyNumber},
+        {"b", "what is added then", kAnyNumber}},
+       kNoNewPicture,
+       {{"greys", "self.ChangeCustomQRZ(-0.8, 230)", "A soft negative."}}},
+      {"Picture",
+       "InvertQRZ as picture",
+       "Makes the negative: every channel becomes 255 minus itself.",
+       {},
+       kNoNewPicture,
+       {{"landscape", "self.InvertQRZ", "Light becomes dark, and each colour its opposite."}}},
       {"Picture",
        "InvertQRZ(left as integer,top as integer,width as integer,height as integer) as picture",
-       "colors", "result = self.InvertQRZ(120, 60, 240, 200)",
-       "Only the rectangle is written; the rest stays as the host makes a new picture: white."},
-      {"Picture", "InvertGrayQRZ as picture", "greys", "result = self.InvertGrayQRZ",
-       "Only pixels whose red, green and blue are equal are inverted."},
+       "Makes the negative of a rectangle; the rest of the new picture is left as the host makes "
+       "it, white.",
+       rectangleArguments(),
+       kNoNewPicture,
+       {{"colors", "self.InvertQRZ(120, 60, 240, 200)",
+         "Only the rectangle is written; the rest is not copied."}}},
+      {"Picture",
+       "InvertGrayQRZ as picture",
+       "Inverts the grey pixels, whose red, green and blue are equal, and copies the others.",
+       {},
+       kNoNewPicture,
+       {{"greys", "self.InvertGrayQRZ", "The coloured balls stay as they are."}}},
       {"Picture",
        "InvertGrayQRZ(left as integer,top as integer,width as integer,height as integer) as "
        "picture",
-       "greys", "result = self.InvertGrayQRZ(0, 0, 240, -1)",
-       "A negative width or height stands for the picture's own."},
+       "Inverts the grey pixels of a rectangle and copies its others; the rest of the new picture "
+       "is left as the host makes it, white.",
+       rectangleArguments(),
+       kNoNewPicture,
+       {{"greys", "self.InvertGrayQRZ(0, 0, 240, -1)",
+         "A negative height stands for the picture's own."}}},
   };
-  return kRecipes;
+  return kMembers;
 }
 
 }  // namespace host

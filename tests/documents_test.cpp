@@ -1,0 +1,118 @@
+// The documents: their commands run as they stand, and made the pictures that are shown.
+
+#include <filesystem>
+#include <regex>
+#include <set>
+
+#include "host/files/file_bytes.h"
+#include "tests/support/command.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSource = QRZ_SOURCE_FOLDER;
+
+struct Document {
+  std::string text;
+  std::vector<std::string> commands;  ///< lines that begin with ./run, in comments, too
+  std::set<std::string> pictures;     ///< shown, relative to the document
+};
+
+Document readDocument(const fs::path& path) {
+  Document document;
+  const auto bytes = readFile(path.string());
+  document.text.assign(bytes.begin(), bytes.end());
+  static const std::regex command("(^|\n)(?:'   )?(\\./run [^\n]*)");
+  static const std::regex picture("!\\[[^\\]]*\\]\\(([^)]+)\\)");
+  const auto each = [&document](const std::regex& pattern, const auto& add) {
+    auto match = std::sregex_iterator(document.text.begin(), document.text.end(), pattern);
+    for (; match != std::sregex_iterator(); ++match) add(*match);
+  };
+  each(command, [&document](const std::smatch& match) {
+    // What is only a comment is the command to make everything.
+    if (match[2].str().find_first_not_of(' ', 5) != match[2].str().find('#')) {
+      document.commands.push_back(match[2]);
+    }
+  });
+  each(picture, [&document](const std::smatch& match) { document.pictures.insert(match[1]); });
+  return document;
+}
+
+/// In a folder like a clone, where ./run is this build's qrz and a reader's own files are.
+class DocumentsTest : public FolderTest {
+ protected:
+  void SetUp() override {
+    FolderTest::SetUp();
+    fs::create_directories(path("examples/pictures"));
+    fs::create_directories(path("build"));
+    for (const auto& entry : fs::directory_iterator(kSource / "examples")) {
+      if (entry.is_regular_file()) fs::copy(entry.path(), path("examples"));
+    }
+    fs::create_symlink(QRZ_BUILD_FOLDER, path("build/release"));
+    fs::create_symlink(QRZ_BUILD_FOLDER "/qrz", path("run"));
+    for (const char* name : {"photo.jpg", "screen.png", "button.png"}) {
+      ASSERT_EQ(qrz("apply self sample:colors@60x40 -o " + path(name)).status, 0);
+    }
+    ASSERT_EQ(qrz("run " + (kSource / "examples/roundtrip.rbs").string() + " sample:edges@9x9 " +
+                  path("song.wav"))
+                  .status,
+              0);
+  }
+
+  void runAll(const Document& document) const {
+    for (const std::string& command : document.commands) {
+      const bool isSlow = command.starts_with("./run bench");
+      const bool lacksBundle = command.find("PictureQRZ.bundle") != std::string::npos &&
+                               !fs::exists(path("build/release/PictureQRZ.bundle"));
+      if (isSlow || lacksBundle) continue;
+      const Outcome outcome = runCommand("cd " + folder + " && " + command);
+      EXPECT_EQ(outcome.status, 0) << command << '\n' << outcome.output;
+    }
+  }
+
+  /// What the commands made is what the document shows.
+  void expectMade(const std::set<std::string>& pictures, const std::string& below) const {
+    for (const std::string& picture : pictures) {
+      const std::string file = below + picture;
+      ASSERT_TRUE(fs::exists(path(file))) << file << " is shown, but no command makes it";
+      EXPECT_TRUE(readFile(path(file)) == readFile((kSource / file).string()))
+          << file << " is not what its command makes";
+    }
+  }
+};
+
+TEST_F(DocumentsTest, Readme) {
+  const Document document = readDocument(kSource / "README.md");
+  std::smatch program;
+  ASSERT_TRUE(
+      std::regex_search(document.text, program, std::regex("`swap\\.rbs`\\):\n\n```\n([^`]*)```")));
+  write("swap.rbs", program[1]);
+  EXPECT_GT(document.commands.size(), 15U);
+  runAll(document);
+  EXPECT_FALSE(document.pictures.empty());
+  expectMade(document.pictures, "");
+}
+
+TEST_F(DocumentsTest, Examples) {
+  const Document document = readDocument(kSource / "examples/README.md");
+  runAll(document);
+  expectMade(document.pictures, "examples/");
+  size_t programs = 0;
+  for (const auto& entry : fs::directory_iterator(kSource / "examples")) {
+    if (entry.path().extension() != ".rbs") continue;
+    ++programs;
+    const std::string name = entry.path().filename().string();
+    EXPECT_NE(document.text.find("(" + name + ")"), std::string::npos) << name;
+    const Document comments = readDocument(entry.path());
+    EXPECT_EQ(comments.commands.size(), 1U) << name;
+    runAll(comments);
+  }
+  EXPECT_EQ(document.pictures.size(), programs);
+}
+
+TEST_F(DocumentsTest, Contributing) { runAll(readDocument(kSource / "CONTRIBUTING.md")); }
+
+}  // namespace
+}  // namespace host

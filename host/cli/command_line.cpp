@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <map>
 
+#include "host/cli/definitions.h"
+#include "host/cli/help.h"
 #include "host/core/printable.h"
 #include "host/core/runtime.h"
 
@@ -26,6 +28,16 @@ void setPictures(const std::string& mode) {
   runtime().settings.newPictures = found->second;
 }
 
+std::string exitStatusLine() {
+  std::string line = "Exit status:";
+  const char* separator = " ";
+  for (const ExitStatus& status : kExitStatuses) {
+    line += std::string(separator) + status.value + " " + status.meaning;
+    separator = ", ";
+  }
+  return line + ".";
+}
+
 void setVersion(double version) {
   if (!std::isfinite(version) || version < 0) {
     throw CLI::ValidationError("--host-version is a number such as 2010.029");
@@ -38,7 +50,8 @@ void addGeneralOptions(CLI::App& app, CommandLine& line) {
   app.add_option("--plugin", line.plugin, "Another build of the plug-in, or its bundle")
       ->envname("QRZ_PLUGIN")
       ->type_name("FILE");
-  app.add_option_function<std::string>("--pictures", setPictures, "What new pictures are")
+  app.add_option_function<std::string>("--pictures", setPictures,
+                                       "What the host keeps new pictures in; gworld by default")
       ->type_name("gworld|context|bitmap");
   app.add_option_function<double>(
          "--host-version", setVersion,
@@ -49,10 +62,21 @@ void addGeneralOptions(CLI::App& app, CommandLine& line) {
 
 void addApply(CLI::App& app, CommandLine& line) {
   auto* apply = app.add_subcommand("apply", "Evaluate an expression on picture files");
-  apply->add_option("expression", line.expression, "For instance \"self.InvertQRZ\"")
+  apply->footer(
+      "A result that is a picture is written, in the format that the name says; any other value is "
+      "printed. PNG, JPEG, BMP, GIF, TGA, PNM and PICT files are read, PNG, JPEG, BMP, TGA and "
+      "PICT "
+      "written. After a file that fails come the others, and the status is 1 or 2.\n\n"
+      "One picture, many, and the value of a property:\n"
+      "  qrz apply \"self.InvertQRZ\" photo.jpg -o out.png\n"
+      "  qrz apply \"self.InvertGrayQRZ(0, 0, 200, -1)\" *.png -o inverted/\n"
+      "  qrz apply \"self.Width\" sample:landscape@4000x3000");
+  apply
+      ->add_option("expression", line.expression,
+                   "For instance `self.InvertQRZ`; self is the picture")
       ->required()
       ->type_name("EXPRESSION");
-  apply->add_option("files", line.files, "Picture files, or built-in ones: sample:landscape")
+  apply->add_option("files", line.files, "Picture files, or built-in ones such as sample:landscape")
       ->required()
       ->type_name("PICTURE");
   apply->add_option("-o,--output", line.output, "The file, or for several files the folder")
@@ -61,13 +85,24 @@ void addApply(CLI::App& app, CommandLine& line) {
 
 void addRun(CLI::App& app, CommandLine& line) {
   auto* run = app.add_subcommand("run", "Run a program in the host's language");
-  run->add_option("script", line.script, "The program")->required()->type_name("FILE");
-  run->add_option("arguments", line.arguments, "Argument(0), Argument(1), … of the program")
+  run->footer(
+      "What `Print` prints goes to standard output.\n\n"
+      "A program of the sources' examples, on a built-in picture:\n"
+      "  qrz run examples/sepia.rbs sample:landscape old.png");
+  run->add_option("script", line.script, "The program")->required()->type_name("PROGRAM");
+  run->add_option("arguments", line.arguments, "What `Argument(0)`, `Argument(1)`, … give it")
       ->type_name("PICTURE");
 }
 
 void addMembers(CLI::App& app, CommandLine& line) {
   auto* members = app.add_subcommand("members", "List what the plug-in registered, or explain it");
+  members->footer(
+      "Without a name, every line has the flags of a member, its kind and its declaration. The "
+      "case "
+      "of a name does not matter.\n\n"
+      "A member explained, with an example to try, and a class:\n"
+      "  qrz members InvertGrayQRZ\n"
+      "  qrz members PictureLut3DQRZ");
   members->add_option("name", line.member, "A member to explain, or a class")->type_name("MEMBER");
 }
 
@@ -75,7 +110,9 @@ void addManual(CLI::App& app, CommandLine& line) {
   auto* gallery = app.add_subcommand("gallery", "Make a page with every member before and after");
   auto* manual = app.add_subcommand("manual", "Make the page, and members.md with the same");
   for (auto* command : {gallery, manual}) {
-    command->add_option("folder", line.folder, "The folder for index.html and its pictures")
+    command
+        ->add_option("folder", line.folder,
+                     "The folder for index.html and its pictures; is made if need be")
         ->required()
         ->type_name("FOLDER");
   }
@@ -83,21 +120,55 @@ void addManual(CLI::App& app, CommandLine& line) {
 
 void addBench(CLI::App& app, BenchOptions& options) {
   auto* bench = app.add_subcommand("bench", "Measure members against a plain copy");
+  bench->footer(
+      "Prints the nanoseconds per pixel that every member takes, the fastest and the median run, "
+      "beside those of a plain copy of what it writes.\n\n"
+      "Some members on two sizes:\n"
+      "  qrz bench --members '^Invert|Run$' --size 640x480 1024x1024");
   bench
       ->add_option("--members", options.members,
                    "Only members whose names match this regular expression")
       ->type_name("PATTERN");
   bench
       ->add_option("--size", options.sizes,
-                   "Sizes of the pictures; 256x256 1024x1024 4096x4096 if none is given")
+                   "Sizes of the pictures; by default 256x256, 1024x1024 and 4096x4096")
       ->type_name("SIZE");
   bench->add_option("--json", options.json, "A file for the results")->type_name("FILE");
   bench->add_option("--plot", options.plot, "A file for a plot, SVG")->type_name("FILE");
 }
 
+void addCompletion(CLI::App& app, CommandLine& line) {
+  auto* completion =
+      app.add_subcommand("completion", "Print a script that completes command lines");
+  completion->footer(
+      "The script completes commands, options and what follows them, for qrz under any path and "
+      "for the ./run of its sources. Of the members it completes those that the plug-in registers "
+      "at that time.\n\n"
+      "Completion in this shell, and for good:\n"
+      "  source <(qrz completion bash)\n"
+      "  echo 'source <(qrz completion bash)' >>~/.bashrc");
+  completion
+      ->add_option_function<std::string>(
+          "shell",
+          [&line](const std::string& shell) {
+            if (shell != "bash" && shell != "zsh") {
+              throw CLI::ValidationError("completion is for bash or zsh, not '" + shell + "'");
+            }
+            line.shell = shell;
+          },
+          "The shell it is for")
+      ->required()
+      ->type_name("bash|zsh");
+}
+
+void addMan(CLI::App& app) {
+  auto* man = app.add_subcommand("man", "Print the manual page");
+  man->footer("The manual page as man shows it:\n  qrz man | man -l -");
+}
+
 /// The names of all commands: "apply, run or members".
 std::string commandNames(const CLI::App& app) {
-  const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+  const auto commands = commandsOf(app);
   std::string names;
   for (size_t i = 0; i < commands.size(); ++i) {
     if (i > 0) names += i + 1 < commands.size() ? ", " : " or ";
@@ -123,14 +194,25 @@ void defineCommandLine(CLI::App& app, CommandLine& line) {
   app.require_subcommand(1);
   app.fallthrough();
   app.failure_message(usageMessage);
-  app.footer(
-      "Exit status: 0 done, 1 failed, 2 wrong usage, 128 + n ended by signal n (130 by Ctrl-C).");
+  app.formatter(std::make_shared<HelpFormatter>());
+  app.name("qrz");
+  app.group("Commands");
+  app.description(
+      "Uses the picture plug-in from a terminal.\n\n"
+      "Loads the plug-in as its host would, and calls its members on pictures. Instead of a "
+      "picture "
+      "file, a built-in picture can be named, in any size: sample:landscape, "
+      "sample:landscape@4000x3000. One line on standard error says what is wrong, and what to do.");
+  app.footer(exitStatusLine());
+  app.set_version_flag("--version", "qrz " QRZ_VERSION, "Print the version and exit");
   addGeneralOptions(app, line);
   addApply(app, line);
   addRun(app, line);
   addMembers(app, line);
   addManual(app, line);
   addBench(app, line.bench);
+  addCompletion(app, line);
+  addMan(app);
 }
 
 }  // namespace host

@@ -6,6 +6,10 @@
 
 #include "host/script/script.h"
 
+namespace CLI {
+class App;
+}
+
 namespace host {
 
 /// Exit statuses. A process that was interrupted ends by the signal, which shells show as 128
@@ -46,6 +50,12 @@ struct BenchOptions {
 
 /// `qrz bench`: measures members against a plain copy and prints a line for each.
 int runBenchmark(const BenchOptions& options);
+
+/// `qrz completion`: prints a script for "bash" or "zsh".
+int printCompletion(const CLI::App& app, const std::string& shell);
+
+/// `qrz man`: prints the manual page.
+int printManPage(const CLI::App& app);
 
 /// One line on standard error.
 void complain(const std::string& line);

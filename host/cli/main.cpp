@@ -34,6 +34,8 @@ void prepareProcess() {
 }
 
 int runCommand(const CLI::App& app, const CommandLine& line) {
+  if (app.got_subcommand("completion")) return printCompletion(app, line.shell);
+  if (app.got_subcommand("man")) return printManPage(app);
   loadPlugin(line.plugin);
   if (app.got_subcommand("apply")) return applyExpression(line.expression, line.files, line.output);
   if (app.got_subcommand("run")) return runScript(line.script, line.arguments);
@@ -50,17 +52,22 @@ bool reportLeaks(bool check) {
   return !lines.empty();
 }
 
-int run(int argc, char** argv) {
-  CommandLine line;
-  CLI::App app("Uses the picture plug-in from a terminal.", "qrz");
-  defineCommandLine(app, line);
+/// What parsing ends with, a command or a text such as the help.
+int parseAndRun(CLI::App& app, const CommandLine& line, int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kWrongUsage;
   }
   addBuiltInClasses(runtime().registry);
-  int status = runCommand(app, line);
+  return runCommand(app, line);
+}
+
+int run(int argc, char** argv) {
+  CommandLine line;
+  CLI::App app;
+  defineCommandLine(app, line);
+  int status = parseAndRun(app, line, argc, argv);
   const bool printed = std::cout.flush() && fflush(stdout) == 0 && ferror(stdout) == 0;
   if (!printed && status == kDone && !isInterrupted()) {
     complain("standard output cannot be written");

@@ -1,0 +1,54 @@
+#include "host/cli/completion.h"
+
+#include <cstdio>
+#include <filesystem>
+
+#include "host/cli/commands.h"
+#include "host/samples/samples.h"
+
+namespace host {
+namespace {
+
+constexpr const char* kFunctions = R"shell(
+# The names of all members and classes, a line each.
+_qrz_members() {
+  local first second third rest
+  "$_qrz_program" members 2>/dev/null </dev/null | while read -r first second third rest; do
+    case $first in
+      class) printf '%s\n' "$second" ;;
+      extension) printf '%s\n' "$third" ;;
+      0x*) printf '%s\n' "${third%%\(*}" ;;
+    esac
+  done
+}
+
+# Whether the command is qrz: by that name, or the ./run that starts this very one.
+_qrz_is_meant() {
+  [[ ${1##*/} == qrz || $1 -ef ${_qrz_program%/*/*/*}/run ]]
+}
+)shell";
+
+}  // namespace
+
+std::string shellQuoted(const std::string& text) {
+  return "'" + CLI::detail::find_and_replace(text, "'", R"('\'')") + "'";
+}
+
+std::string completionFunctions(const std::string& program) {
+  return "_qrz_program=" + shellQuoted(program) + "\n" + kFunctions;
+}
+
+std::vector<std::string> builtInPictures() {
+  std::vector<std::string> names;
+  for (const Sample& sample : samples()) names.push_back("sample:" + std::string(sample.name));
+  return names;
+}
+
+int printCompletion(const CLI::App& app, const std::string& shell) {
+  const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
+  const auto script = shell == "zsh" ? &zshCompletion : &bashCompletion;
+  fputs(script(app, program).c_str(), stdout);
+  return kDone;
+}
+
+}  // namespace host

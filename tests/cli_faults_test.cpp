@@ -67,7 +67,7 @@ TEST_F(CliFaultsTest, WrongUsage) {
   const std::string size = "qrz: --size is width x height in pixels, such as 640x480, not '";
   const std::string version = "qrz: --host-version is a number such as 2010.029" + help;
   const std::string command =
-      "qrz: name a command: apply, run, members, gallery, manual or bench" + help;
+      "qrz: name a command: apply, run, members, gallery, manual, bench, completion or man" + help;
   const Fault faults[] = {
       {"qrz", 2, command},
       {"qrz bogus", 2, command},

@@ -47,11 +47,11 @@ std::string actionFor(const std::string& typeName) {
     return "(" + joined(choices, " ") + ")";
   }
   if (typeName == "FILE") return "_files";
-  if (typeName == "FOLDER") return "_files -/";
+  if (typeName == "FOLDER") return "_path_files -/";
   if (typeName == "PROGRAM") return "_files -g \"*.rbs\"";
   if (typeName == "PICTURE") return "_qrz_picture";
   if (typeName == "MEMBER") return "_qrz_member";
-  return " ";
+  return "()";  // nothing, but a message would leave out options
 }
 
 /// "-o+" and "--output=": the value may be in the same word.
@@ -64,11 +64,10 @@ std::string optionSpecifications(const CLI::Option& option) {
   const std::vector<std::string> names = namesOf(option);
   std::string text;
   for (const std::string& name : names) {
-    std::string specification = "(" + joined(names, " ") + ")";
+    std::string specification = takesMany(option) ? "*" : "(" + joined(names, " ") + ")";
     specification += takesValue(option) ? valuedName(name) : name;
     specification += "[" + escaped(option.get_description()) + "]";
     if (takesValue(option)) {
-      specification += takesMany(option) ? ":*-*" : "";
       specification += ":" + escaped(option.get_type_name()) + ":";
       specification += actionFor(option.get_type_name());
     }
@@ -77,11 +76,27 @@ std::string optionSpecifications(const CLI::Option& option) {
   return text;
 }
 
-std::string argumentSpecification(const CLI::Option& argument) {
+std::string argumentSpecification(const CLI::Option& argument, const std::string& name) {
   return "  " +
-         shellQuoted((takesMany(argument) ? "*:" : ":") + escaped(argument.get_name(true)) + ":" +
+         shellQuoted((takesMany(argument) ? "*:" : ":") + escaped(name) + ":" +
                      actionFor(argument.get_type_name())) +
          "\n";
+}
+
+/// The arguments of a command. If these have an end, values of an option after its first count as
+/// such; _arguments would complete no option after them otherwise.
+std::string argumentLines(const CLI::App& command) {
+  std::string text;
+  const Options arguments = argumentsOf(command);
+  for (const CLI::Option* argument : arguments) {
+    text += argumentSpecification(*argument, argument->get_name(true));
+  }
+  if (!arguments.empty() && takesMany(*arguments.back())) return text;
+  for (const CLI::Option* option : optionsOf(command)) {
+    if (!takesMany(*option)) continue;
+    return text + argumentSpecification(*option, option->get_type_name());
+  }
+  return text;
 }
 
 /// The lines of all options of a program or command.
@@ -94,7 +109,7 @@ std::string optionLines(const CLI::App& app) {
 std::string commandFunction(const CLI::App& command) {
   std::string text = "\n_qrz-" + command.get_name() + "() {\n  local -a specifications=(\n";
   text += optionLines(command);
-  for (const CLI::Option* argument : argumentsOf(command)) text += argumentSpecification(*argument);
+  text += argumentLines(command);
   return text + "  )\n  _arguments -S $_qrz_options $specifications\n}\n";
 }
 

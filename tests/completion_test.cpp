@@ -124,12 +124,14 @@ TEST_P(CompletionTest, CompletesWhatMayStandThere) {
        "<qrz><apply><self><-o><out.png><sample:landscape>"},
       {"qrz apply self one sample:a", "<qrz><apply><self><one><sample:alpha>"},
       {"qrz apply self sam", "<qrz><apply><self><sample:>"},
+      {"qrz apply self s", "<qrz><apply><self><s>"},  // or salt.png
       {"qrz apply self sal", "<qrz><apply><self><salt.png>"},
       {"qrz gallery p", "<qrz><gallery><pages>"},
       {"qrz gallery a", "<qrz><gallery><a b>"},
       {"qrz gallery o", "<qrz><gallery><o>"},
       {"qrz gallery pages/", "<qrz><gallery><pages>"},
       {"qrz run sw", "<qrz><run><swap.rbs>"},
+      {"qrz run 'sw", "<qrz><run><swap.rbs>"},
       {"qrz run swap.rbs swapp", "<qrz><run><swap.rbs><swapped.png>"},
       {"qrz run pages/s", "<qrz><run><pages/sub.txt>"},
       {"qrz bench --size oth", "<qrz><bench><--size><oth>"},  // nothing: no file
@@ -139,6 +141,7 @@ TEST_P(CompletionTest, CompletesWhatMayStandThere) {
   for (const auto& [line, expected] : lines) EXPECT_EQ(shell.complete(line), expected) << line;
   Shell starter(GetParam(), folder, QRZ_SOURCE_FOLDER);
   EXPECT_EQ(starter.complete("./run memb"), "<./run><members>");
+  EXPECT_EQ(starter.complete("./run READ"), "<./run><READ>");  // no command, though a file
 }
 
 /// The parser knows what every command takes, and so must whatever describes it.

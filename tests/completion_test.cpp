@@ -92,11 +92,14 @@ class CompletionTest : public FolderTest, public testing::WithParamInterface<std
  protected:
   void SetUp() override {
     FolderTest::SetUp();
-    for (const char* name : {"my photo.png", "swap.rbs", "swapped.png", "salt.png", "other.so"}) {
+    for (const char* name :
+         {"my photo.png", "swap.rbs", "swapped.png", "salt.png", "other.so", "it's.rbs"}) {
       write(name, "");
     }
     for (const char* name : {"pages", "a b"}) std::filesystem::create_directory(path(name));
     write("pages/sub.txt", "");
+    write("a b/x y.rbs", "");
+    write("a b/x z.png", "");
   }
 };
 
@@ -132,6 +135,9 @@ TEST_P(CompletionTest, CompletesWhatMayStandThere) {
       {"qrz gallery pages/", "<qrz><gallery><pages>"},
       {"qrz run sw", "<qrz><run><swap.rbs>"},
       {"qrz run 'sw", "<qrz><run><swap.rbs>"},
+      {"qrz run it\\'", "<qrz><run><it's.rbs>"},
+      {"qrz run a\\ b/", "<qrz><run><a b/x y.rbs>"},
+      {"qrz run \"a b/x ", "<qrz><run><a b/x y.rbs>"},
       {"qrz run swap.rbs swapp", "<qrz><run><swap.rbs><swapped.png>"},
       {"qrz run pages/s", "<qrz><run><pages/sub.txt>"},
       {"qrz bench --size oth", "<qrz><bench><--size><oth>"},  // nothing: no file
@@ -179,6 +185,8 @@ TEST(DefinitionsTest, ManualPageIsSoundRoff) {
   const Outcome lint = manThrough("mandoc -T lint -W warning");
   EXPECT_EQ(lint.output, "");
   EXPECT_EQ(lint.status, 0);
+  // Every hyphen of an option is one to be copied.
+  EXPECT_EQ(manThrough("cat").output.find("--"), std::string::npos);
   // What is to be copied comes out as it is typed: no typographic hyphens or quotes.
   const std::string page = manThrough("man -l -").output;
   EXPECT_NE(page.find("qrz bench --members '^Invert|Run$' --size 640x480"), std::string::npos);

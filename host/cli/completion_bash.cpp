@@ -42,14 +42,9 @@ _qrz_parse() {  # sets command, only_arguments, kind
   [[ -n $kind ]] || kind=${_qrz_takes["$command $position"]-${_qrz_takes["$command *"]-}}
 }
 
-# Folders, and the files that match the pattern $1. Bash quotes their names.
+# Folders, and the files that match the pattern $1. Bash sees to quotes.
 _qrz_files() {
-  local word=$2
-  case $word in
-    [\"\']*) word=${word:1} ;;
-    *) word=${word//\\/} ;;
-  esac
-  mapfile -t COMPREPLY < <(compgen -f -X "!$1" -- "$word" && compgen -d -- "$word")
+  mapfile -t COMPREPLY < <(compgen -f -X "!$1" -- "$2" && compgen -d -- "$2")
   (( ${#COMPREPLY[@]} == 0 )) || compopt -o filenames
 }
 

@@ -12,48 +12,39 @@
 namespace host {
 namespace {
 
-/// Text that shows as it stands, to be copied: no hyphens, quotes or accents of typography.
+/// The character where text shows as it stands, to be copied: roff prints other hyphens, quotes
+/// and accents for those of the keyboard.
+std::string literal(char c) {
+  constexpr std::pair<char, const char*> kEscapes[] = {
+      {'\\', "\\e"},  {'-', "\\-"},   {'\'', "\\(aq"}, {'`', "\\(ga"},
+      {'"', "\\(dq"}, {'^', "\\(ha"}, {'~', "\\(ti"},
+  };
+  for (const auto& [plain, escape] : kEscapes) {
+    if (c == plain) return escape;
+  }
+  return {c};
+}
+
 std::string literal(const std::string& text) {
   std::string result;
-  for (const char c : text) {
-    switch (c) {
-      case '\\':
-        result += "\\e";
-        break;
-      case '-':
-        result += "\\-";
-        break;
-      case '\'':
-        result += "\\(aq";
-        break;
-      case '`':
-        result += "\\(ga";
-        break;
-      case '"':
-        result += "\\(dq";
-        break;
-      case '^':
-        result += "\\(ha";
-        break;
-      case '~':
-        result += "\\(ti";
-        break;
-      default:
-        result += c;
-    }
-  }
+  for (const char c : text) result += literal(c);
   return result;
 }
 
 std::string bold(const std::string& text) { return "\\fB" + literal(text) + "\\fR"; }
 std::string italic(const std::string& text) { return "\\fI" + literal(text) + "\\fR"; }
 
-/// A word of a sentence. Options are literal, names in capitals such as QRZ_PLUGIN are, too.
+/// A word of a sentence; options are literal.
 std::string wordOfProse(const std::string& word) {
   const size_t start = word.find_first_not_of("(\"'");
   const bool isOption = start != std::string::npos && word.compare(start, 1, "-") == 0;
   if (isOption) return literal(word);
   return CLI::detail::find_and_replace(word, "\\", "\\e");
+}
+
+/// The line, which must not be taken for a request.
+std::string textLine(const std::string& line) {
+  return (line.starts_with('.') || line.starts_with('\'') ? "\\&" : "") + line + "\n";
 }
 
 /// One line of running text; what is between ` and ` is literal.
@@ -77,8 +68,7 @@ std::string prose(const std::string& text) {
     }
     result += wordOfProse(word);
   }
-  // A line that begins like this would be a request.
-  return (result.starts_with('.') || result.starts_with('\'') ? "\\&" : "") + result + "\n";
+  return textLine(result);
 }
 
 std::string withStop(std::string sentence) {
@@ -158,7 +148,7 @@ std::string exampleOf(const std::string& paragraph) {
     const bool wasCode = isCode;
     isCode = line.starts_with(' ');
     if (isCode && !wasCode) text += ".RS 4\n.nf\n";
-    text += isCode ? literal(line.substr(line.find_first_not_of(' '))) + "\n" : prose(line);
+    text += isCode ? textLine(literal(line.substr(line.find_first_not_of(' ')))) : prose(line);
   }
   return text + ".fi\n.RE\n";
 }
@@ -219,7 +209,7 @@ std::string exitStatus() {
 }  // namespace
 
 std::string manPage(const CLI::App& app) {
-  const std::string name = app.get_name();
+  const std::string& name = app.get_name();
   std::string title = name;
   std::ranges::transform(title, title.begin(), [](unsigned char c) { return std::toupper(c); });
   const std::vector<std::string> description = paragraphsOf(app.get_description());

@@ -65,8 +65,7 @@ void addApply(CLI::App& app, CommandLine& line) {
   apply->footer(
       "A result that is a picture is written, in the format that the name says; any other value is "
       "printed. PNG, JPEG, BMP, GIF, TGA, PNM and PICT files are read, PNG, JPEG, BMP, TGA and "
-      "PICT "
-      "written. After a file that fails come the others, and the status is 1 or 2.\n\n"
+      "PICT written. After a file that fails come the others, and the status is 1 or 2.\n\n"
       "One picture, many, and the value of a property:\n"
       "  qrz apply \"self.InvertQRZ\" photo.jpg -o out.png\n"
       "  qrz apply \"self.InvertGrayQRZ(0, 0, 200, -1)\" *.png -o inverted/\n"
@@ -200,8 +199,7 @@ void defineCommandLine(CLI::App& app, CommandLine& line) {
   app.description(
       "Uses the picture plug-in from a terminal.\n\n"
       "Loads the plug-in as its host would, and calls its members on pictures. Instead of a "
-      "picture "
-      "file, a built-in picture can be named, in any size: sample:landscape, "
+      "picture file, a built-in picture can be named, in any size: sample:landscape, "
       "sample:landscape@4000x3000. One line on standard error says what is wrong, and what to do.");
   app.footer(exitStatusLine());
   app.set_version_flag("--version", "qrz " QRZ_VERSION, "Print the version and exit");

@@ -36,9 +36,8 @@ struct CommandLine {
 
 /// Makes `app` parse into `line`, which it refers to from now on. The type name of an option says
 /// what may follow it: FILE, FOLDER, PROGRAM (a file, usually *.rbs), PICTURE (a file or a
-/// built-in picture), MEMBER, anything else
-/// in capitals, or all that is possible, such as gworld|context|bitmap. In footers, indented lines
-/// are examples.
+/// built-in picture), MEMBER, anything else in capitals, or all that is possible, such as
+/// gworld|context|bitmap. In footers, indented lines are examples.
 void defineCommandLine(CLI::App& app, CommandLine& line);
 
 }  // namespace host

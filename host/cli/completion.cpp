@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "host/cli/commands.h"
+#include "host/files/markup.h"
 #include "host/samples/samples.h"
 
 namespace host {
@@ -29,10 +30,6 @@ _qrz_is_meant() {
 )shell";
 
 }  // namespace
-
-std::string shellQuoted(const std::string& text) {
-  return "'" + CLI::detail::find_and_replace(text, "'", R"('\'')") + "'";
-}
 
 std::string completionFunctions(const std::string& program) {
   return "_qrz_program=" + shellQuoted(program) + "\n" + kFunctions;

@@ -14,9 +14,6 @@ namespace host {
 std::string bashCompletion(const CLI::App& app, const std::string& program);
 std::string zshCompletion(const CLI::App& app, const std::string& program);
 
-/// The text as one word of either shell.
-std::string shellQuoted(const std::string& text);
-
 /// What both scripts begin with: the path of the program in `_qrz_program`, and functions.
 std::string completionFunctions(const std::string& program);
 

@@ -1,5 +1,6 @@
 #include "host/cli/completion.h"
 #include "host/cli/definitions.h"
+#include "host/files/markup.h"
 
 namespace host {
 namespace {

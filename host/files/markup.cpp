@@ -28,4 +28,16 @@ std::string escaped(std::string_view text) {
   return html;
 }
 
+std::string shellQuoted(std::string_view text) {
+  std::string word = "'";
+  for (const char c : text) {
+    if (c == '\'') {
+      word += "'\\''";
+    } else {
+      word += c;
+    }
+  }
+  return word + "'";
+}
+
 }  // namespace host

@@ -1,4 +1,4 @@
-// Text inside HTML and SVG.
+// Text inside HTML, SVG and commands of a shell.
 #pragma once
 
 #include <string>
@@ -8,5 +8,8 @@ namespace host {
 
 /// The text with its markup characters as entities, fit for contents and attributes.
 std::string escaped(std::string_view text);
+
+/// The text as one word of a shell.
+std::string shellQuoted(std::string_view text);
 
 }  // namespace host

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/files/markup.h"
 #include "host/manual/groups.h"
 
 namespace host {
@@ -71,19 +72,6 @@ std::vector<std::string_view> linesOf(std::string_view program) {
   return lines;
 }
 
-/// In quotes of a shell.
-std::string quoted(std::string_view text) {
-  std::string result = "'";
-  for (const char c : text) {
-    if (c == '\'') {
-      result += "'\\''";
-    } else {
-      result += c;
-    }
-  }
-  return result + "'";
-}
-
 }  // namespace
 
 std::span<const DescriptionGroup> descriptionGroups() {
@@ -143,7 +131,7 @@ std::string lineOf(const Example& example) {
 }
 
 std::string commandOf(const Example& example) {
-  std::string command = "./run apply " + quoted(lineOf(example));
+  std::string command = "./run apply " + shellQuoted(lineOf(example));
   if (!example.sample.empty()) command.append(" sample:").append(example.sample);
   return example.makesPicture ? command + " -o out.png" : command;
 }

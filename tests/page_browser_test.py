@@ -176,17 +176,27 @@ def check_search(page):
         expect(found == wanted and any(wanted), f"{query} shows {sum(found)}, not {sum(wanted)}")
         expect(all(wanted) == (not words), f"{query} shows all")
         expect(page.one("#page_count").text.startswith(f"{sum(wanted)} "), f"{query}: wrong count")
-        empty = page.run("""return [...document.querySelectorAll('section')].filter(s =>
-            s.checkVisibility() !== [...s.querySelectorAll('article')].some(a =>
-                a.checkVisibility())).length""")
-        expect(empty == 0, f"{query}: an empty group is shown")
+        empty = page.run("""
+            const shown = (e, s) => [...e.querySelectorAll(s)].filter(x => x.checkVisibility()).length;
+            return [...document.querySelectorAll('section')].filter(s => {
+              const link = document.querySelector(`nav a[href="#${s.id}"]`);
+              const members = shown(s, 'article');
+              return s.checkVisibility() !== members > 0 || link.checkVisibility() !== members > 0 ||
+                  shown(s, '.sheet li') !== members ||
+                  (members > 0 && Number(link.querySelector('span').textContent) !== members);
+            }).map(s => s.id)""")
+        expect(not empty, f"{query}: {empty} shown though empty, or counted wrongly")
     page.press(Keys.ESCAPE, "zzz invert")
     expect(page.shown() == 0, "every word has to match")
     expect("zzz invert" in page.one("#page_nothing").text, "does not say that nothing matches")
     page.press(Keys.ESCAPE)
     expect(page.shown() == members, "Escape does not clear the search")
     expect(not page.one("#page_nothing").is_displayed(), "says that nothing matches")
-    page.press("zzz")
+    page.run("scrollTo(0, document.body.scrollHeight)")
+    page.press("invert")
+    top = page.run("return document.querySelector('main').getBoundingClientRect().top")
+    expect(0 < top < 300, f"the results stay out of sight, at {top}")
+    page.press(Keys.ESCAPE, "zzz")
     page.one("#page_clear").click()
     expect(page.shown() == members and page.active() == "page_search", "cannot show all again")
 
@@ -372,6 +382,20 @@ def check_keyboard(page):
     expect(page.active() == "page_members", "the link to the members leads nowhere")
 
 
+def check_print(page):
+    page.load(theme="dark")
+    page.cdp("Emulation.setEmulatedMedia", media="print")
+    frame = page.one(".compare")
+    expect([clip(frame, ".before"), clip(frame, ".after")] == ["none", "none"], "pictures are cut")
+    expect(not page.one(".bar").is_displayed(), "prints the search")
+    expect(brightness(page) > 250, "prints a dark ground")
+    page.run("dispatchEvent(new Event('beforeprint'))")
+    expect(not page.all("details:not([open])"), "prints closed parts")
+    page.run("dispatchEvent(new Event('afterprint'))")
+    expect(not page.all("details[open]"), "parts stay open")
+    page.cdp("Emulation.setEmulatedMedia", media="")
+
+
 def check_without_script(page):
     page.cdp("Emulation.setScriptExecutionDisabled", value=True)
     try:
@@ -405,6 +429,9 @@ BREAKS = (
     ("search", "nothing.hidden = matches > 0", "nothing.hidden = true"),
     ("search", 'search("");\n      showAddress', "showAddress"),
     ("search", 'event.key === "/"', "false"),
+    ("search", "section.hidden = link.hidden", "section.hidden"),
+    ("search", "article.hidden = tile.hidden", "article.hidden"),
+    ("search", "      showResults();", ""),
     ("address", "encodeURIComponent(query)", "query.length"),
     ("address", 'target?.closest("[hidden]")', "false"),
     ("divider", '"--split", `', '"--spilt", `'),
@@ -425,6 +452,8 @@ BREAKS = (
     ("keyboard", '<button id="page_theme"', '<button tabindex="1" id="page_theme"'),
     ("keyboard", "outline: 3px solid var(--accent); outline-offset: 2px;", "outline: none;"),
     ("keyboard", 'tabindex="-1"', ""),
+    ("print", ".side { grid-area: auto; clip-path: none; }", ""),
+    ("print", "startPrinting();", ""),
     ("without_script", "article {", "article { display: none; } .js article { display: block; }"),
     ("without_script", ".search, .theme { display: none; }", ""),
 )

@@ -181,7 +181,7 @@ class Page {
   }
 
   void writeComparison(const ShownExample& example, const std::string& name) {
-    html_ += "<div class=\"pictures\"><div class=\"compare\">";
+    html_ += R"(<div class="pictures"><div class="compare">)";
     writeSide("before", "Before", example.before, name);
     writeSide("after", "After", example.after, name);
     html_ +=
@@ -194,7 +194,7 @@ class Page {
                  const std::string& name) {
     html_ += "<div class=\"side " + std::string(style) + "\">";
     writePicture(picture, label + " " + name);
-    html_ += "<span class=\"label\" aria-hidden=\"true\">" + label + "</span></div>";
+    html_ += R"(<span class="label" aria-hidden="true">)" + label + "</span></div>";
   }
 
   void writeFigure(const std::string& caption, const ShownPicture& picture,
@@ -207,14 +207,14 @@ class Page {
   void writePicture(const ShownPicture& picture, const std::string& alternative) {
     html_ += "<img src=\"" + escaped(picture.file) + "\" width=\"" + std::to_string(picture.width) +
              "\" height=\"" + std::to_string(picture.height) + "\" alt=\"" + escaped(alternative) +
-             "\" loading=\"lazy\">";
+             R"(" loading="lazy">)";
   }
 
   /// Text to copy.
   void writeLine(const std::string& kind, const std::string& text, const std::string& name) {
     if (text.empty()) return;
-    html_ += "<div class=\"line\"><div class=\"line-top\"><span>" + kind +
-             "</span><button class=\"copy\" type=\"button\" aria-label=\"Copy: " + kind + " of " +
+    html_ += R"(<div class="line"><div class="line-top"><span>)" + kind +
+             R"(</span><button class="copy" type="button" aria-label="Copy: )" + kind + " of " +
              escaped(name) + "\">Copy</button></div><pre><code>" + escaped(text) +
              "</code></pre></div>\n";
   }

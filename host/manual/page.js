@@ -133,6 +133,7 @@
           matchesHere += isMatch;
         }
         section.hidden = link.hidden = matchesHere === 0;
+        link.querySelector("span").textContent = matchesHere;
         matches += matchesHere;
       }
       count.textContent = words.length === 0 ? `${all} members` : `${matches} of ${all} members`;
@@ -177,16 +178,16 @@
       input.focus();
     };
 
+    // What was found begins above, if one had scrolled on.
+    const showResults = () => {
+      const main = document.querySelector("main");
+      if (main.getBoundingClientRect().top < 0) main.scrollIntoView({ behavior: "instant" });
+    };
     input.addEventListener("input", () => {
       filter();
       showAddress();
-      if (input.value !== "") showResults();
+      showResults();
     });
-    // What was found is above, if one had scrolled on.
-    const showResults = () => {
-      const { top } = document.querySelector("main").getBoundingClientRect();
-      if (top < 0) document.querySelector(".columns").scrollIntoView({ behavior: "instant" });
-    };
     input.form.addEventListener("submit", (event) => event.preventDefault());
     document.getElementById("page_clear").addEventListener("click", clear);
     document.addEventListener("keydown", (event) => {

@@ -67,7 +67,8 @@ TEST_F(CliFaultsTest, WrongUsage) {
   const std::string size = "qrz: --size is width x height in pixels, such as 640x480, not '";
   const std::string version = "qrz: --host-version is a number such as 2010.029" + help;
   const std::string command =
-      "qrz: name a command: apply, run, members, gallery, manual, bench, completion or man" + help;
+      "qrz: name a command: apply, view, run, members, gallery, manual, bench, completion or man" +
+      help;
   const Fault faults[] = {
       {"qrz", 2, command},
       {"qrz bogus", 2, command},
@@ -78,7 +79,7 @@ TEST_F(CliFaultsTest, WrongUsage) {
       {"qrz --host-version nan members", 2, version},
       {"qrz --host-version=-1 members", 2, version},
       {"qrz apply", 2, "qrz: expression is required" + help},
-      {"qrz apply self", 2, "qrz: files is required" + help},
+      {"qrz apply self", 2, "qrz: the expression uses self; name a picture file behind it"},
       {"qrz apply ' ' sample:colors", 2, "qrz: the expression is empty" + help},
       {"qrz apply self sample:colors -o", 2, "qrz: --output: 1 required FILE missing" + help},
       {"qrz run", 2, "qrz: script is required" + help},

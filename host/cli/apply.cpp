@@ -1,17 +1,15 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <set>
+#include <stdexcept>
 
+#include "host/cli/batch.h"
 #include "host/cli/commands.h"
-#include "host/cli/progress.h"
-#include "host/core/exception.h"
-#include "host/core/interrupt.h"
-#include "host/core/runtime.h"
-#include "host/files/file_fault.h"
 #include "host/files/image_file.h"
 #include "host/files/picture_io.h"
-#include "host/script/conversion.h"
+#include "host/script/lexer.h"
 #include "host/script/script.h"
 
 namespace host {
@@ -19,121 +17,110 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Something went wrong with one file; what() is the line for the user.
-class Failure : public std::runtime_error {
+/// The command line asks for what makes no sense; what() is the line for the user.
+class WrongUsage : public std::runtime_error {
  public:
-  Failure(int exitStatus, const std::string& line) : std::runtime_error(line), status(exitStatus) {}
-  int status;
+  using std::runtime_error::runtime_error;
 };
 
-/// Where the result for an input file goes.
-std::string outputFor(const std::string& input, const std::string& output, bool intoFolder) {
-  if (!intoFolder) return output;
+/// Whether the expression names the picture that it is for.
+bool usesSelf(const std::string& expression) {
+  const SourceText source(expression, "expression");
+  Lexer lexer(source);
+  bool isMember = false;
+  try {
+    for (Token token = lexer.next(); token.kind != Token::Kind::EndOfFile; token = lexer.next()) {
+      if (token.kind == Token::Kind::Name && !isMember && sameName(token.text, "self")) return true;
+      isMember = token.isSymbol(".");
+    }
+  } catch (const ScriptError&) {
+    // Its evaluation will show the place.
+  }
+  return false;
+}
+
+void checkUsage(const ApplyOptions& options) {
+  if (options.expression.find_first_not_of(" \t\r\n") == std::string::npos) {
+    throw WrongUsage("qrz: the expression is empty; `qrz --help` shows the usage");
+  }
+  if (options.files.empty() && usesSelf(options.expression)) {
+    throw WrongUsage("qrz: the expression uses self; name a picture file behind it");
+  }
+  if (std::ranges::count(options.files, kStandardStream) > 1) {
+    throw WrongUsage("qrz: standard input holds one picture; name - once");
+  }
+  if (options.output != kStandardStream) return;
+  if (options.files.size() > 1) {
+    throw WrongUsage("qrz: standard output takes one picture; name one file, or a folder with -o");
+  }
+  if (isatty(STDOUT_FILENO) == 1) {
+    throw WrongUsage(
+        "qrz: no picture file is written to a terminal; redirect it, or show the picture with "
+        "`| qrz view -`");
+  }
+}
+
+bool isFolder(const ApplyOptions& options) {
+  if (options.output.empty() || options.output == kStandardStream) return false;
+  std::error_code error;
+  return options.files.size() > 1 || options.output.ends_with('/') ||
+         fs::is_directory(options.output, error);
+}
+
+/// Makes the folder, or checks the name of the file. Throws ImageError, or a filesystem_error.
+void prepareOutput(const ApplyOptions& options) {
+  if (options.output.empty() || options.output == kStandardStream) return;
+  if (!isFolder(options)) return checkPictureName(options.output);
+  if (options.files.empty()) {
+    throw WrongUsage(options.output + ": is a folder; name a file in it for the picture");
+  }
+  fs::create_directories(options.output);
+}
+
+/// Where in the folder the result for a file goes.
+std::string outputFor(const std::string& input, const std::string& folder) {
   fs::path name = fs::path(input).filename();
   if (input.starts_with("sample:")) name = input.substr(input.find(':') + 1) + ".png";
+  if (input == kStandardStream) name = "stdin.png";
   try {
     checkPictureName(name.string());
   } catch (const ImageError&) {
     name.replace_extension(".png");
   }
-  return (fs::path(output) / name).string();
+  return (fs::path(folder) / name).string();
 }
 
-/// One run of `apply`.
-struct Job {
-  const std::string& expression;
-  bool isOneOfMany;
-  std::set<std::string> written;
-};
-
-void applyToFile(Job& job, const std::string& input, const std::string& output) {
-  Interpreter interpreter(runtime().registry, std::cout);
-  interpreter.setVariable("self", objectValue(openPicture(input)));
-  checkInterrupt();
-  const Value result =
-      interpreter.evaluate(job.expression, job.isOneOfMany ? input + ": expression" : "expression");
-  checkInterrupt();
-  auto* picture = objectAs<Picture>(result);
-  if (picture == nullptr && std::holds_alternative<Nil>(result)) {
-    throw Failure(kFailed, input + ": the result is nil, so there is no picture to write");
+std::vector<PictureTask> tasksOf(const ApplyOptions& options) {
+  if (options.files.empty()) return {{std::nullopt, options.output}};
+  const bool intoFolder = isFolder(options);
+  std::vector<PictureTask> tasks;
+  for (const std::string& file : options.files) {
+    tasks.push_back({file, intoFolder ? outputFor(file, options.output) : options.output});
   }
-  if (picture == nullptr) {
-    std::cout << fileMessage(input, textOf(result)) << '\n';
-    return;
-  }
-  if (output.empty()) {
-    throw Failure(kWrongUsage, input + ": the result is a picture; name its file with -o");
-  }
-  if (job.written.contains(output)) {
-    throw Failure(kFailed,
-                  input + ": another file of this name was written to " + output + " already");
-  }
-  savePicture(*picture, output);
-  job.written.insert(output);
-}
-
-/// The exit status for one file; says what went wrong.
-int tryFile(Job& job, const std::string& input, const std::string& output, Progress& progress) {
-  std::string problem;
-  int status = kFailed;
-  try {
-    applyToFile(job, input, output);
-    return kDone;
-  } catch (const RaisedException& raised) {
-    problem = messageOf(raised);
-  } catch (const Failure& failure) {
-    problem = failure.what();
-    status = failure.status;
-  } catch (const ScriptError& error) {
-    progress.wipe();
-    complain(error);
-    return kFailed;
-  } catch (const std::bad_alloc&) {
-    problem = input + ": not enough memory";
-  } catch (const std::exception& error) {
-    problem = error.what();
-  }
-  checkInterrupt();  // That may be all that was the matter.
-  progress.wipe();
-  complain(problem);
-  return status;
+  return tasks;
 }
 
 }  // namespace
 
-int applyExpression(const std::string& expression, const std::vector<std::string>& files,
-                    const std::string& output) {
-  if (expression.find_first_not_of(" \t\r\n") == std::string::npos) {
-    complain("qrz: the expression is empty; `qrz --help` shows the usage");
+int applyExpression(const ApplyOptions& options) {
+  try {
+    checkUsage(options);
+    prepareOutput(options);
+  } catch (const WrongUsage& problem) {
+    complain(problem.what());
     return kWrongUsage;
+  } catch (const ImageError& problem) {
+    complain(problem.what());
+    return kWrongUsage;
+  } catch (const fs::filesystem_error& problem) {
+    complain(options.output + ": cannot make this folder: " + problem.code().message());
+    return kFailed;
   }
-  std::error_code error;
-  const bool intoFolder =
-      files.size() > 1 || output.ends_with('/') || fs::is_directory(output, error);
-  error.clear();
-  if (!output.empty()) {
-    if (intoFolder) fs::create_directories(output, error);
-    if (error) {
-      complain(output + ": cannot make this folder: " + error.message());
-      return kFailed;
-    }
-    try {
-      if (!intoFolder) checkPictureName(output);
-    } catch (const ImageError& problem) {
-      complain(problem.what());
-      return kWrongUsage;
-    }
-  }
-  Progress progress(files.size());
-  int worst = kDone;
-  Job job{expression, files.size() > 1, {}};
-  for (const std::string& file : files) {
-    const std::string target = outputFor(file, output, intoFolder && !output.empty());
-    worst = std::max(worst, tryFile(job, file, target, progress));
-    progress.advance();
-    checkInterrupt();
-  }
-  return worst;
+  // Standard output is for the picture alone.
+  std::ostream& printed = options.output == kStandardStream ? std::cerr : std::cout;
+  Batch batch(tasksOf(options), PictureWork(options.expression, options.files.size() > 1), printed,
+              options.output);
+  return batch.run(options.jobs);
 }
 
 }  // namespace host

@@ -1,5 +1,6 @@
 #include "host/cli/command_line.h"
 
+#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <map>
@@ -60,26 +61,67 @@ void addGeneralOptions(CLI::App& app, CommandLine& line) {
   app.add_flag("--check", line.check, "Fail if objects are still alive or locked at the end");
 }
 
-void addApply(CLI::App& app, CommandLine& line) {
+/// The whole number that the text is; `option` is what a line about anything else starts with.
+int32_t parseNumber(const std::string& option, const std::string& text, int32_t most) {
+  int32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size() || number < 1 || number > most) {
+    throw CLI::ValidationError(option + " is a number from 1 to " + std::to_string(most) +
+                               ", not '" + text + "'");
+  }
+  return number;
+}
+
+void addApply(CLI::App& app, ApplyOptions& options) {
+  constexpr int32_t kMostJobs = 64;
   auto* apply = app.add_subcommand("apply", "Evaluate an expression on picture files");
   apply->footer(
       "A result that is a picture is written, in the format that the name says; any other value is "
       "printed. PNG, JPEG, BMP, GIF, TGA, PNM and PICT files are read, PNG, JPEG, BMP, TGA and "
-      "PICT written. After a file that fails come the others, and the status is 1 or 2.\n\n"
-      "One picture, many, and the value of a property:\n"
+      "PICT written. Statements may come before the expression, each ended by ';' or a line end. "
+      "After a file that fails come the others, and the status is 1 or 2.\n\n"
+      "One picture, many, the value of a property, and a picture from another program:\n"
       "  qrz apply \"self.InvertQRZ\" photo.jpg -o out.png\n"
-      "  qrz apply \"self.InvertGrayQRZ(0, 0, 200, -1)\" *.png -o inverted/\n"
-      "  qrz apply \"self.Width\" sample:landscape@4000x3000");
+      "  qrz apply \"self.InvertGrayQRZ(0, 0, 200, -1)\" *.png -o inverted/ --jobs 2\n"
+      "  qrz apply \"self.Width\" sample:landscape@4000x3000\n"
+      "  qrz apply \"self.InvertQRZ\" - -o - <in.png | qrz view -");
   apply
-      ->add_option("expression", line.expression,
+      ->add_option("expression", options.expression,
                    "For instance `self.InvertQRZ`; self is the picture")
       ->required()
       ->type_name("EXPRESSION");
-  apply->add_option("files", line.files, "Picture files, or built-in ones such as sample:landscape")
+  apply
+      ->add_option("files", options.files,
+                   "Picture files, built-in ones (sample:landscape), or - for standard input")
+      ->type_name("PICTURE");
+  apply
+      ->add_option("-o,--output", options.output,
+                   "The file, for several files the folder, or - for standard output")
+      ->type_name("FILE");
+  apply
+      ->add_option_function<std::string>(
+          "--jobs",
+          [&options](const std::string& text) {
+            options.jobs = static_cast<size_t>(parseNumber("--jobs", text, kMostJobs));
+          },
+          "How many host processes share the files, 1 to 64")
+      ->type_name("NUMBER");
+}
+
+void addView(CLI::App& app, ViewOptions& options) {
+  constexpr int32_t kMostColumns = 1000;
+  auto* view = app.add_subcommand("view", "Show pictures in the terminal");
+  view->add_option("files", options.files,
+                   "Picture files, built-in ones (sample:landscape), or - for standard input")
       ->required()
       ->type_name("PICTURE");
-  apply->add_option("-o,--output", line.output, "The file, or for several files the folder")
-      ->type_name("FILE");
+  view->add_option_function<std::string>(
+          "--width",
+          [&options](const std::string& text) {
+            options.width = parseNumber("--width", text, kMostColumns);
+          },
+          "How many columns to use, 1 to 1000, instead of what fits")
+      ->type_name("COLUMNS");
 }
 
 void addRun(CLI::App& app, CommandLine& line) {
@@ -204,7 +246,8 @@ void defineCommandLine(CLI::App& app, CommandLine& line) {
   app.footer(exitStatusLine());
   app.set_version_flag("--version", "qrz " QRZ_VERSION, "Print the version and exit");
   addGeneralOptions(app, line);
-  addApply(app, line);
+  addApply(app, line.apply);
+  addView(app, line.view);
   addRun(app, line);
   addMembers(app, line);
   addManual(app, line);

@@ -26,9 +26,11 @@ constexpr ExitStatus kExitStatuses[] = {
 struct CommandLine {
   std::string plugin;  ///< at first the build of the plug-in beside this program
   bool check = false;
-  std::string expression, output, script, member, folder;
+  std::string script, member, folder;
   std::string shell;  ///< for completion: bash or zsh
-  std::vector<std::string> files, arguments;
+  std::vector<std::string> arguments;
+  ApplyOptions apply;
+  ViewOptions view;
   BenchOptions bench;
 
   CommandLine();

@@ -1,6 +1,8 @@
 // The commands of qrz.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,12 +22,27 @@ constexpr int kWrongUsage = 2;
 
 // Every command throws Interrupted where it stops early.
 
-/// `qrz apply`: evaluates the expression with `self` as each picture file in
-/// turn. A picture is written to `output`: a file, or a folder if it is one or
-/// if there are several files. Any other value is printed. Goes on after a file
-/// that failed.
-int applyExpression(const std::string& expression, const std::vector<std::string>& files,
-                    const std::string& output);
+/// What `qrz apply` was asked for.
+struct ApplyOptions {
+  std::string expression;
+  std::vector<std::string> files;  ///< "-" for standard input
+  std::string output;              ///< "-" for standard output; empty for none
+  size_t jobs = 1;
+};
+
+/// `qrz apply`: evaluates the expression with `self` as each picture file in turn; without files
+/// once, without `self`. A picture is written to the output: a file, or a folder if it is one or if
+/// there are several files. Any other value is printed. Goes on after a file that failed.
+int applyExpression(const ApplyOptions& options);
+
+/// What `qrz view` was asked for.
+struct ViewOptions {
+  std::vector<std::string> files;  ///< "-" for standard input
+  int32_t width = 0;               ///< in characters; 0 for what fits
+};
+
+/// `qrz view`: shows pictures in the terminal, or as plain text. Goes on after a file that failed.
+int viewPictures(const ViewOptions& options);
 
 /// `qrz run`.
 int runScript(const std::string& path, const std::vector<std::string>& arguments);

@@ -29,6 +29,7 @@ void occupyStandardStreams() {
 void prepareProcess() {
   occupyStandardStreams();
   std::signal(SIGPIPE, SIG_DFL);  // quietly, whatever the parent process does about it
+  std::signal(SIGCHLD, SIG_DFL);  // so that child processes can be waited for
   std::signal(SIGXFSZ, SIG_IGN);  // too large a file is like a full disk
   noteInterrupts();
 }
@@ -36,8 +37,9 @@ void prepareProcess() {
 int runCommand(const CLI::App& app, const CommandLine& line) {
   if (app.got_subcommand("completion")) return printCompletion(app, line.shell);
   if (app.got_subcommand("man")) return printManPage(app);
+  if (app.got_subcommand("view")) return viewPictures(line.view);
   loadPlugin(line.plugin);
-  if (app.got_subcommand("apply")) return applyExpression(line.expression, line.files, line.output);
+  if (app.got_subcommand("apply")) return applyExpression(line.apply);
   if (app.got_subcommand("run")) return runScript(line.script, line.arguments);
   if (app.got_subcommand("members")) return listMembers(line.member);
   if (app.got_subcommand("bench")) return runBenchmark(line.bench);

@@ -19,13 +19,15 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
   ~Progress() { wipe(); }
 
-  void advance() {
+  void advance(bool failed = false) {
     ++done_;
+    if (failed) ++failed_;
     if (!isTerminal_ || Clock::now() - start_ < std::chrono::seconds(1)) return;
     constexpr size_t kWidth = 40;
     const size_t filled = kWidth * done_ / std::max<size_t>(total_, 1);
     const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
     fprintf(stderr, "\r[%s] %zu of %zu", bar.c_str(), done_, total_);
+    if (failed_ > 0) fprintf(stderr, ", %zu failed", failed_);
     shown_ = true;
   }
   /// Makes room for another line.
@@ -38,6 +40,7 @@ class Progress {
   using Clock = std::chrono::steady_clock;
   size_t total_;
   size_t done_ = 0;
+  size_t failed_ = 0;
   bool shown_ = false;
   bool isTerminal_ = isatty(STDERR_FILENO) == 1;
   Clock::time_point start_ = Clock::now();

@@ -84,6 +84,17 @@ std::optional<mode_t> replacedMode(const std::string& path) {
   return status.st_mode & 07777;
 }
 
+/// 0, or what went wrong; EINTR only for an interrupt.
+int writeAll(int descriptor, std::span<const uint8_t> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(descriptor, bytes.data(), bytes.size());
+    if (count == 0) return ENOSPC;
+    if (count < 0 && (errno != EINTR || isInterrupted())) return errno;
+    if (count > 0) bytes = bytes.subspan(static_cast<size_t>(count));
+  }
+  return 0;
+}
+
 /// A file beside the target which vanishes again unless it is moved onto the target. Interrupts
 /// wait until then.
 class TemporaryFile {
@@ -105,13 +116,7 @@ class TemporaryFile {
   }
 
   void write(std::span<const uint8_t> bytes) const {
-    size_t done = 0;
-    while (done < bytes.size()) {
-      const ssize_t count = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
-      if (count == 0) failToStore(ENOSPC);
-      if (count < 0 && errno != EINTR) failToStore(errno);
-      if (count > 0) done += static_cast<size_t>(count);
-    }
+    if (const int error = writeAll(descriptor_, bytes); error != 0) failToStore(error);
   }
   void setMode(mode_t mode) const {
     if (fchmod(descriptor_, mode) != 0) failToStore(errno);
@@ -155,24 +160,30 @@ class NewFile {
   TemporaryFile file_;
 };
 
-}  // namespace
-
-std::vector<uint8_t> readFile(const std::string& path, size_t most) {
-  const FileHandle file = openFile(path);
+/// What is left of the file.
+std::vector<uint8_t> readRest(std::FILE* file, size_t most) {
   std::vector<uint8_t> bytes;
   size_t used = 0;
-  while (std::feof(file.get()) == 0) {
+  while (std::feof(file) == 0) {
     if (used == most) {
       throw FileFault("the file is too large; at most " + std::to_string(most >> 20) +
                       " MB are read");
     }
     bytes.resize(std::min(most, std::max<size_t>(65536, 2 * used)));
-    used += std::fread(bytes.data() + used, 1, bytes.size() - used, file.get());
-    if (std::ferror(file.get()) != 0) failToOpen(errno);
+    used += std::fread(bytes.data() + used, 1, bytes.size() - used, file);
+    if (std::ferror(file) != 0) failToOpen(errno);
   }
   bytes.resize(used);
   return bytes;
 }
+
+}  // namespace
+
+std::vector<uint8_t> readFile(const std::string& path, size_t most) {
+  return readRest(openFile(path).get(), most);
+}
+
+std::vector<uint8_t> readStandardInput() { return readRest(stdin, kMaxFileBytes); }
 
 std::vector<uint8_t> readOrdinaryFile(const std::string& path) {
   if (!S_ISREG(checkedMode(path))) throw FileFault("is no ordinary file; name another one");
@@ -181,6 +192,12 @@ std::vector<uint8_t> readOrdinaryFile(const std::string& path) {
 
 void writeFile(const std::string& path, std::span<const uint8_t> bytes) {
   NewFile(path).write(bytes);
+}
+
+void writeStandardOutput(std::span<const uint8_t> bytes) {
+  if (writeAll(STDOUT_FILENO, bytes) == 0) return;
+  checkInterrupt();
+  throw FileFault("standard output cannot be written");
 }
 
 void checkWritable(const std::string& path) { static_cast<void>(NewFile(path)); }

@@ -6,6 +6,7 @@
 #include "host/core/exception.h"
 #include "host/core/pict_recording.h"
 #include "host/core/runtime.h"
+#include "host/files/file_bytes.h"
 #include "host/files/file_fault.h"
 #include "host/files/image_file.h"
 #include "host/files/pict_file.h"
@@ -58,12 +59,31 @@ Ref<Picture> pictureOfPict(std::span<const uint8_t> data) {
   return makeObject<Picture>(pictStore(handle));
 }
 
-Ref<Picture> openFile(const std::string& path) {
-  if (path.starts_with(kSamplePrefix)) return pictureOf(drawSample(path));
-  const auto bytes = readPictureFile(path);
+/// The picture in the bytes of a file; its name is only for messages.
+Ref<Picture> pictureIn(const std::vector<uint8_t>& bytes, const std::string& name) {
   const bool isPict = detectFormat(bytes) == PictureFormat::kPict;
   if (isPict) return pictureOfPict(*pictDataIn(bytes));
-  return pictureOf(decodeImage(path, bytes));
+  return pictureOf(decodeImage(name, bytes));
+}
+
+Ref<Picture> openFile(const std::string& path) {
+  if (path.starts_with(kSamplePrefix)) return pictureOf(drawSample(path));
+  return pictureIn(readPictureFile(path), path);
+}
+
+/// What `open` opens; raises an IOException for what is wrong with it.
+template <typename Open>
+Ref<Picture> opened(const std::string& name, Open open) {
+  try {
+    if (auto picture = open()) return picture;
+    throw std::bad_alloc();
+  } catch (const ImageError& error) {
+    raise("IOException", error.what());
+  } catch (const FileFault& fault) {
+    raise("IOException", fileMessage(name, fault.what()));
+  } catch (const std::bad_alloc&) {
+    raise("IOException", fileMessage(name, "is too large for the memory of this process"));
+  }
 }
 
 void saveAsPict(Picture& picture, const std::string& path) {
@@ -113,16 +133,11 @@ Ref<Picture> pictureOf(const Image& image) {
 }
 
 Ref<Picture> openPicture(const std::string& path) {
-  try {
-    if (auto picture = openFile(path)) return picture;
-    throw std::bad_alloc();
-  } catch (const ImageError& error) {
-    raise("IOException", error.what());
-  } catch (const FileFault& fault) {
-    raise("IOException", fileMessage(path, fault.what()));
-  } catch (const std::bad_alloc&) {
-    raise("IOException", fileMessage(path, "is too large for the memory of this process"));
-  }
+  return opened(path, [&path] { return openFile(path); });
+}
+
+Ref<Picture> openStandardInput() {
+  return opened(kStandardInput, [] { return pictureIn(readStandardInput(), kStandardInput); });
 }
 
 void checkPictureName(const std::string& path) {
@@ -137,6 +152,18 @@ void savePicture(Picture& picture, const std::string& path) {
     raise("IOException", error.what());
   } catch (const std::bad_alloc&) {
     raise("IOException", fileMessage(path, "not enough memory to write the picture"));
+  }
+}
+
+void writeToStandardOutput(const Picture& picture) {
+  try {
+    writeStandardOutput(encodePng(imageOf(picture)));
+  } catch (const ImageError& error) {
+    raise("IOException", error.what());
+  } catch (const FileFault& fault) {
+    raise("IOException", fault.what());
+  } catch (const std::bad_alloc&) {
+    raise("IOException", "standard output: not enough memory to write the picture");
   }
 }
 

@@ -20,6 +20,12 @@ Ref<Picture> pictureOf(const Image& image);
 /// becomes a picture that holds its data. Raises an IOException with one clear line.
 Ref<Picture> openPicture(const std::string& path);
 
+/// What messages call the picture that comes through standard input.
+inline constexpr const char* kStandardInput = "standard input";
+
+/// The same from standard input, once.
+Ref<Picture> openStandardInput();
+
 /// Throws an ImageError unless savePicture knows the extension.
 void checkPictureName(const std::string& path);
 
@@ -27,5 +33,9 @@ void checkPictureName(const std::string& path);
 /// data of a picture that holds some, or what is recorded of it on white. Raises an
 /// IOException with one clear line, and leaves no half-written file.
 void savePicture(Picture& picture, const std::string& path);
+
+/// Writes a PNG file to standard output. Throws Interrupted, or raises an IOException with one
+/// clear line.
+void writeToStandardOutput(const Picture& picture);
 
 }  // namespace host

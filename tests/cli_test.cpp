@@ -72,7 +72,7 @@ TEST_F(CliTest, ApplyToSeveralFilesGoesOnAfterABadOne) {
                               " " + path("b.png") + " -o " + path("out"));
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.output,
-            path("bad.png") +
+            "2 of 3 done, 1 failed:\n" + path("bad.png") +
                 ": is no picture that can be read; use PNG, JPEG, BMP, GIF, TGA, PNM or PICT\n");
   EXPECT_TRUE(fs::exists(path("out/a.png")));
   EXPECT_TRUE(fs::exists(path("out/b.png")));
@@ -86,8 +86,9 @@ TEST_F(CliTest, ApplyNeverWritesOneFileTwice) {
   const Outcome outcome =
       qrz("apply self " + path("a.png") + " " + path("sub/a.png") + " -o " + path("out"));
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.output, path("sub/a.png") + ": another file of this name was written to " +
-                                path("out/a.png") + " already\n");
+  EXPECT_EQ(outcome.output, "1 of 2 done, 1 failed:\n" + path("sub/a.png") +
+                                ": another file of this name was written to " + path("out/a.png") +
+                                " already\n");
 }
 
 TEST_F(CliTest, FailuresSayWhatToDoAndLeaveNothing) {

@@ -1,16 +1,12 @@
 // qrz apply in pipes, and on many pictures at once.
 
-#include <algorithm>
 #include <csignal>
-#include <filesystem>
 
 #include "host/files/image_file.h"
 #include "tests/support/command.h"
 
 namespace host {
 namespace {
-
-namespace fs = std::filesystem;
 
 class BatchTest : public FolderTest {
  protected:
@@ -95,14 +91,14 @@ TEST_F(BatchTest, AFailedProcessFailsItsFileAlone) {
   expect(
       "qrz apply self.Width pipe pipe2 a.png b.bmp sub/a.png --jobs 2 & q=$!; "
       "until test $(pgrep -P $q | wc -l) = 2; do sleep 0.1; done; sleep 0.5; "
-      "kill -SEGV $(pgrep -P $q); wait $q",
+      "kill -KILL $(pgrep -P $q); wait $q",
       1,
       "a.png: 60\nb.bmp: 50\nsub/a.png: 60\n3 of 5 done, 2 failed:\n"
-      "pipe: the host process ended by signal 11\npipe2: the host process ended by signal 11\n");
+      "pipe: the host process ended by signal 9\npipe2: the host process ended by signal 9\n");
   expect("(trap '' CHLD; qrz apply self.Width a.png b.bmp --jobs 2)", 0, "a.png: 60\nb.bmp: 50\n");
   // As many as can be started have to do.
-  expect("ulimit -n 6; qrz apply self.Width a.png b.bmp sub/a.png --jobs 3", 0,
-         "a.png: 60\nb.bmp: 50\nsub/a.png: 60\n");
+  expect("ulimit -n 8; qrz apply 1 $(yes a.png | head -8) --jobs 8", 0,
+         inFolder("yes 'a.png: 1' | head -8").output);
 }
 
 TEST_F(BatchTest, WhatProcessesLeaveAliveIsFound) {
@@ -119,15 +115,24 @@ TEST_F(BatchTest, WhatProcessesLeaveAliveIsFound) {
 }
 
 TEST_F(BatchTest, NoProcessOutlivesTheFirst) {
-  for (const std::string signal : {"TERM", "INT", "KILL"}) {
+  for (const std::string signal : {"TERM", "HUP", "KILL"}) {
     const Outcome outcome = inFolder(
-        "setsid env - PATH=$PATH sh -c 'exec qrz apply self.Width pipe pipe2 a.png b.bmp --jobs 2' "
-        "& q=$!; "
-        "until test $(pgrep -P $q | wc -l) = 2; do sleep 0.1; done; w=$(pgrep -P $q); sleep 0.2; "
+        "qrz apply self.Width pipe pipe2 a.png b.bmp --jobs 2 >said 2>&1 & q=$!; "
+        "until test $(pgrep -P $q | wc -l) = 2; do sleep 0.1; done; w=$(pgrep -P $q); "
         "kill -" +
-        signal + " $q; wait $q; sleep 0.2; for each in $w; do kill -0 $each; done");
-    EXPECT_EQ(outcome.output, "") << signal;
+        signal +
+        " $q; wait $q 2>/dev/null; sleep 0.3; "
+        "for each in $w; do readlink /proc/$each/exe; done; cat said");
+    const std::string said = signal == "KILL" ? "" : "qrz: interrupted; 0 of 4 done\n";
+    EXPECT_EQ(outcome.output, said) << signal;
   }
+}
+
+TEST_F(BatchTest, FitsIntoGnuParallel) {
+  expect(
+      "cd sub; parallel qrz apply self.InvertQRZ {} -o inverted/ ::: *.png && "
+      "parallel -k qrz apply self.Width ::: inverted/*.png",
+      0, "inverted/a.png: 60\ninverted/bad.png: 50\n");
 }
 
 TEST_F(BatchTest, InterruptSaysHowFarItGot) {

@@ -16,7 +16,7 @@ const fs::path kSource = QRZ_SOURCE_FOLDER;
 
 struct Document {
   std::string text;
-  std::vector<std::string> commands;  ///< lines that begin with ./run, in comments, too
+  std::vector<std::string> commands;  ///< lines that begin with ./run, or run qrz in parallel
   std::set<std::string> pictures;     ///< shown, relative to the document
 };
 
@@ -24,17 +24,16 @@ Document readDocument(const fs::path& path) {
   Document document;
   const auto bytes = readFile(path.string());
   document.text.assign(bytes.begin(), bytes.end());
-  static const std::regex command("(^|\n)(?:'   )?(\\./run [^\n]*)");
+  static const std::regex command("(^|\n)(?:'   )?((?:\\./run|parallel build/release/qrz) [^\n]*)");
   static const std::regex picture("!\\[[^\\]]*\\]\\(([^)]+)\\)");
   const auto each = [&document](const std::regex& pattern, const auto& add) {
     auto match = std::sregex_iterator(document.text.begin(), document.text.end(), pattern);
     for (; match != std::sregex_iterator(); ++match) add(*match);
   };
   each(command, [&document](const std::smatch& match) {
-    // What is only a comment is the command to make everything.
-    if (match[2].str().find_first_not_of(' ', 5) != match[2].str().find('#')) {
-      document.commands.push_back(match[2]);
-    }
+    const std::string line = match[2];
+    const bool makesEverything = line.find_first_not_of(' ', 5) == line.find('#');
+    if (!makesEverything) document.commands.push_back(line);
   });
   each(picture, [&document](const std::smatch& match) { document.pictures.insert(match[1]); });
   return document;
@@ -52,7 +51,9 @@ class DocumentsTest : public FolderTest {
     }
     fs::create_symlink(QRZ_BUILD_FOLDER, path("build/release"));
     fs::create_symlink(QRZ_BUILD_FOLDER "/qrz", path("run"));
-    for (const char* name : {"photo.jpg", "screen.png", "button.png"}) {
+    fs::create_directories(path("photos"));
+    for (const char* name :
+         {"photo.jpg", "photos/a.jpg", "photos/b.jpg", "screen.png", "button.png"}) {
       ASSERT_EQ(qrz("apply self sample:colors@60x40 -o " + path(name)).status, 0);
     }
     ASSERT_EQ(qrz("run " + (kSource / "examples/roundtrip.rbs").string() + " sample:edges@9x9 " +
@@ -67,7 +68,7 @@ class DocumentsTest : public FolderTest {
       const bool lacksBundle = command.find("PictureQRZ.bundle") != std::string::npos &&
                                !fs::exists(path("build/release/PictureQRZ.bundle"));
       if (isSlow || lacksBundle) continue;
-      const Outcome outcome = runCommand("cd " + folder + " && " + command);
+      const Outcome outcome = runCommand("cd " + folder + " && {\n" + command + "\n}");
       EXPECT_EQ(outcome.status, 0) << command << '\n' << outcome.output;
     }
   }

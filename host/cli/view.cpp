@@ -8,7 +8,7 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/picture_task.h"
-#include "host/cli/shown_picture.h"
+#include "host/cli/terminal_picture.h"
 #include "host/core/exception.h"
 #include "host/core/interrupt.h"
 #include "host/core/printable.h"
@@ -73,7 +73,7 @@ class Viewer {
     const Image image = imageOf(*(isStream ? openStandardInput() : openPicture(file)));
     checkInterrupt();
     const PictureSize size{image.width, image.height};
-    const ShownPicture shown = scaledDown(image, fittingSize(size, most_));
+    const TerminalPicture shown = scaledDown(image, fittingSize(size, most_));
     const std::string name = printable(isStream ? kStandardInput : file);
     if (!inColors_) {
       print(name + ": " + std::to_string(size.width) + " x " + std::to_string(size.height) + "\n");

@@ -1,4 +1,4 @@
-#include "host/cli/shown_picture.h"
+#include "host/cli/terminal_picture.h"
 
 #include <algorithm>
 #include <array>
@@ -107,7 +107,7 @@ struct Cell {
   std::optional<uint32_t> lower;
 };
 
-Cell cellAt(const ShownPicture& picture, int32_t x, int32_t row) {
+Cell cellAt(const TerminalPicture& picture, int32_t x, int32_t row) {
   const uint32_t* pixel = picture.pixels.data() + int64_t{row} * picture.size.width + x;
   if (row + 1 == picture.size.height) return {*pixel, std::nullopt};
   return {*pixel, pixel[picture.size.width]};
@@ -125,9 +125,9 @@ PictureSize fittingSize(PictureSize size, PictureSize most) {
   return {scaled(size.width, most.height, size.height, most.width), most.height};
 }
 
-ShownPicture scaledDown(const Image& image, PictureSize size) {
+TerminalPicture scaledDown(const Image& image, PictureSize size) {
   const Scaler scaler(image, size);
-  ShownPicture shown{size, {}};
+  TerminalPicture shown{size, {}};
   for (int32_t y = 0; y < size.height; ++y) {
     std::vector<Sum> sums(static_cast<size_t>(size.width));
     scaler.addUp(y, sums);
@@ -138,7 +138,7 @@ ShownPicture scaledDown(const Image& image, PictureSize size) {
   return shown;
 }
 
-std::string coloredLine(const ShownPicture& picture, int32_t row) {
+std::string coloredLine(const TerminalPicture& picture, int32_t row) {
   std::string line;
   std::optional<uint32_t> foreground;
   std::optional<uint32_t> background;
@@ -153,7 +153,7 @@ std::string coloredLine(const ShownPicture& picture, int32_t row) {
   return line + "\033[0m\n";
 }
 
-std::string plainLine(const ShownPicture& picture, int32_t row) {
+std::string plainLine(const TerminalPicture& picture, int32_t row) {
   constexpr std::string_view kRamp = " .:-=+*#%@";
   std::string line;
   for (int32_t x = 0; x < picture.size.width; ++x) {

@@ -5,10 +5,10 @@ namespace host {
 namespace {
 
 constexpr std::string_view kChannelPicture =
-    "a picture at least as wide and as high; what is beyond is ignored";
+    "a picture at least as wide and as high; what is beyond on the right and below is ignored";
 constexpr std::string_view kNoChannel =
-    "Nil, and a NilObjectException, if the channel picture is nil; nil if it is smaller than the "
-    "picture, if either cannot be read, or there is no memory for the new one.";
+    "A NilObjectException if the channel picture is nil; Nil if it is less wide or less high than "
+    "the picture, if either cannot be read, or there is no memory for the new one.";
 constexpr std::string_view kSameSize = "a picture, of the same size as the others";
 constexpr std::string_view kNoCommonPicture =
     "Nil if one of them is nil or cannot be read, if their sizes differ, or there is no memory "
@@ -20,21 +20,21 @@ std::span<const Description> channelMembers() {
   static const Description kMembers[] = {
       {"Picture",
        "ReplaceRedChannelQRZ(RedChannel as picture) as picture",
-       "Takes red from another picture; green and blue stay.",
+       "Makes a new picture with red from another picture, and its own green and blue.",
        {{"RedChannel", "the picture that gives its red", kChannelPicture}},
        kNoChannel,
        {{"landscape", "self.ReplaceRedChannelQRZ(Picture.Open(\"sample:greys\"))",
          "The balls of the other picture show in red and cyan."}}},
       {"Picture",
        "ReplaceGreenChannelQRZ(GreenChannel as picture) as picture",
-       "Takes green from another picture; red and blue stay.",
+       "Makes a new picture with green from another picture, and its own red and blue.",
        {{"GreenChannel", "the picture that gives its green", kChannelPicture}},
        kNoChannel,
        {{"colors", "self.ReplaceGreenChannelQRZ(self.InvertQRZ)",
-         "Green from the negative: what was light turns magenta, what was dark green."}}},
+         "Green from the negative: the light ground turns magenta, the red ball yellow."}}},
       {"Picture",
        "ReplaceBlueChannelQRZ(BlueChannel as picture) as picture",
-       "Takes blue from another picture; red and green stay.",
+       "Makes a new picture with blue from another picture, and its own red and green.",
        {{"BlueChannel", "the picture that gives its blue", kChannelPicture}},
        kNoChannel,
        {{"landscape", "self.ReplaceBlueChannelQRZ(New Picture(self.Width, self.Height, 32))",
@@ -57,7 +57,8 @@ std::span<const Description> channelMembers() {
          "A bad print: two of the plates moved sideways."}}},
       {"",
        "MergePictureQRZ(source1 as picture, source2 as picture) as picture",
-       "Takes the lighter of two pictures, channel by channel.",
+       "Makes a new picture of the larger of two pictures' levels, pixel by pixel and channel by "
+       "channel.",
        {{"source1", "one picture", kSameSize}, {"source2", "the other one", kSameSize}},
        kNoCommonPicture,
        {{"landscape",

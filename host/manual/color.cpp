@@ -5,7 +5,8 @@ namespace host {
 namespace {
 
 constexpr std::string_view kTable =
-    "a memory block of 256 bytes or more; byte i is what a value of i becomes";
+    "a memory block of 256 bytes or more; byte i is what level i becomes, further bytes are "
+    "ignored";
 
 }  // namespace
 
@@ -13,20 +14,22 @@ std::span<const Description> colorMembers() {
   static const Description kMembers[] = {
       {"Picture",
        "ChangeSaturationQRZ(Amount as integer) as picture",
-       "Moves each pixel's channels away from its grey level, or towards it.",
+       "Moves each pixel's channels away from its grey level, which is their mean, or towards it.",
        {{"Amount", "how far, in 255ths of the distance; 0 changes nothing",
-         "any: 255 doubles the distance, -255 leaves the grey alone, less swaps the sides"}},
+         "any: 255 doubles the distance, -255 leaves only the grey, less makes opposite colours; "
+         "results stop at 0 and 255"}},
        kNoNewPicture,
        {{"landscape", "self.ChangeSaturationQRZ(300)", "Colours more than twice as strong."},
         {"landscape", "self.ChangeSaturationQRZ(-255)", "No colours at all."}}},
       {"",
        "TintPictureQRZ(source as picture, GreyBase as color, SepiaBase as color) as picture",
-       "Weighs each pixel's channels into one level, and colours the levels from black to a "
-       "colour.",
+       "Weighs each pixel's channels into one level, and shows the levels as shades from black "
+       "to a colour.",
        {{"source", "the picture to tint, which stays as it is", kAnyPicture},
         {"GreyBase", "how much red, green and blue count, in 255ths",
-         "any colour; where they add up to more than 255, light parts stop at the colour's limit"},
-        {"SepiaBase", "what white becomes", kAnyColor}},
+         "any colour; if the three add up to 255, white becomes the full SepiaBase, if to less, a "
+         "darker shade, if to more, a lighter one, whose channels stop at 255"},
+        {"SepiaBase", "the colour at level 255", kAnyColor}},
        "Nil if the source is nil or cannot be read, or there is no memory for the new picture.",
        {{"landscape", "TintPictureQRZ(self, RGB(76, 150, 29), RGB(255, 224, 176))",
          "The weights of the eye, and the colour of old paper."}}},
@@ -45,7 +48,7 @@ std::span<const Description> colorMembers() {
          "  steps.Byte(i) = (i \\ 52) * 63\n"
          "Next\n"
          "self.TransformColorsQRZ(steps, steps, steps)",
-         "One table for all three leaves five levels: a poster."}}},
+         "One table for all three leaves five levels in each channel: a poster."}}},
       {"Picture",
        "ReplaceColorQRZ(SearchColor as color, ReplaceWithColor as color) as picture",
        "Replaces one exact colour by another and copies all others.",

@@ -22,7 +22,7 @@ std::span<const Description> dataExchangeMembers() {
        "Turns a picture into a string of bytes: a header of 40, then red, green and blue of every "
        "pixel.",
        {{"p", "the picture", "a picture of at most 715,827,869 pixels"}},
-       "Nil if the picture is nil or cannot be read, or there is no memory for the string.",
+       "An empty string if the picture is nil, too large or cannot be read, or there is no memory.",
        {{"colors",
          "Dim data As String = PicturetoBinaryStringQRZ(self)\n"
          "Left(data, 4) + \", \" + Str(Len(data)) + \" bytes\"",
@@ -30,9 +30,10 @@ std::span<const Description> dataExchangeMembers() {
       {"",
        "BinaryStringtoPictureQRZ(data as String) as Picture",
        "Turns such a string back into a picture.",
-       {{"data", "the bytes", "a string from PicturetoBinaryStringQRZ"}},
-       "Nil if the string is nil or not such a string, lacks pixels, or there is no memory for "
-       "the picture.",
+       {{"data", "the bytes",
+         "a string from PicturetoBinaryStringQRZ, neither longer nor shorter"}},
+       "Nil if the string is empty or no such string, is not as long as it says, or there is no "
+       "memory for the picture.",
        {{"colors", "BinaryStringtoPictureQRZ(PicturetoBinaryStringQRZ(self))",
          "There and back: nothing is lost."},
         {"colors",
@@ -42,31 +43,40 @@ std::span<const Description> dataExchangeMembers() {
          "On the way the bytes of the uppermost 120 rows were moved to the end."}}},
       {"Picture",
        "PicHandleQRZ as picture",
-       "Makes a picture of PICT data, a recording of what it takes to draw this one.",
+       "Makes a picture of PICT data, a recording of what it takes to draw this one (on white "
+       "where it has a mask), or gives the picture itself if it is PICT data already.",
        {},
-       "Nil if the picture is nil, wider or higher than 32,767, or cannot be recorded.",
+       "Nil if the picture is wider or higher than 32,767 or cannot be recorded, by qrz if it is "
+       "wider than 4,095.",
        {{"landscape", "self.PicHandleQRZ", "The recording, drawn again."}}},
       {"Picture",
        "PicHandleDataQRZ as string",
-       "Gives the bytes of such a recording as a string.",
+       "Gives the bytes of such a recording (see PicHandleQRZ) as a string, of a picture of PICT "
+       "data those that it has.",
        {},
-       "Nil if the picture is nil, wider or higher than 32,767, or cannot be recorded.",
+       "An empty string if the picture is wider or higher than 32,767 or cannot be recorded, by "
+       "qrz if it is wider than 4,095.",
        {{"landscape", "Str(Len(self.PicHandleDataQRZ)) + \" bytes\"", "Its length.", false}}},
       {"",
        "BuildPictureWithPicHandleDataQRZ(data as string) as picture",
-       "Makes a picture from the bytes of a recording.",
-       {{"data", "the bytes of PICT data", "any string; what is no PICT data draws nothing"}},
+       "Makes a picture of PICT data from the bytes of a recording (see PicHandleDataQRZ).",
+       {{"data", "the bytes of PICT data",
+         "any string; the first bytes say how large the picture is, that of an empty string is 0 × "
+         "0, and damaged data draws as far as it goes, on white"}},
        "Nil if there is no memory or the host refuses.",
        {{"landscape", "BuildPictureWithPicHandleDataQRZ(self.PicHandleDataQRZ)",
          "There and back."}}},
       {"",
        "BuildPictureWithGWorldHandleQRZ(handle as integer, ByPassOwernerShip as boolean) as "
        "picture",
-       "Makes a picture of an offscreen world that exists already; what is drawn into one shows in "
-       "the other.",
-       {{"handle", "the address of the GWorld", "as Graphics.Handle gives it; 0 for none"},
-        {"ByPassOwernerShip", "whether the new picture owns it", "True or False"}},
-       "Nil for 0, and if the host refuses.",
+       "Makes a picture that shows a GWorld (the memory behind a picture) that exists already, so "
+       "that what is drawn into one shows in the other.",
+       {{"handle", "the address of the GWorld",
+         "as Graphics.Handle gives it; 0 for none, and no other number"},
+        {"ByPassOwernerShip", "whether the new picture owns it",
+         "True: it goes with the new picture, so nothing else may own it; False: it has to last as "
+         "long as the new picture"}},
+       "Nil for 0, and if the host refuses, as qrz does numbers of no GWorld.",
        {{"landscape",
          "Dim shown As Picture = BuildPictureWithGWorldHandleQRZ(self.Graphics.Handle, False)\n"
          "If shown Is Nil Then shown = self\n"

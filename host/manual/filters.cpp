@@ -32,15 +32,16 @@ struct Filter {
   }
 };
 
-Descriptions pictureProperties(const Filter& filter, std::string_view destination) {
+Descriptions pictureProperties(const Filter& filter, std::string_view destination,
+                               std::string_view destinationRange) {
   return {
       property(filter.className, "SourcePicture as Picture",
                "The picture that Run reads; it stays as it is.",
-               {"", "the picture", "a picture or Nil, with which Run gives false"},
+               {"", "the picture", "a picture or Nil, as at first, with which Run gives false"},
                {{filter.sample, filter.setup + filter.variable + ".SourcePicture",
                  "What was assigned, unchanged."}}),
       property(filter.className, "DestinationPicture as Picture", destination,
-               {"", "the picture", "a picture or Nil; the next Run that succeeds replaces it"},
+               {"", "the picture", destinationRange},
                {{filter.sample,
                  "Dim " + filter.variable + " As New " + std::string(filter.className) + "\n" +
                      filter.variable + ".SourcePicture = self\nCall " + filter.variable + ".Run\n" +
@@ -51,20 +52,29 @@ Descriptions pictureProperties(const Filter& filter, std::string_view destinatio
 }
 
 Descriptions regionProperties(const Filter& filter) {
-  constexpr std::string_view kFirst = "any; less than 0 is 0; beyond the picture, none is written";
-  constexpr std::string_view kEnd = "any; not above the first, or beyond the picture: its edge";
+  constexpr std::string_view kFirst =
+      "any, 0 at first; less counts as 0; beyond the picture: Run writes nothing";
+  constexpr std::string_view kEndX =
+      "any, 0 at first; not above MinX, or beyond the picture: up to its right edge; 0 or less, "
+      "but above MinX: Run writes nothing";
+  constexpr std::string_view kEndY =
+      "any, 0 at first; not above MinY, or beyond the picture: up to its lower edge; 0 or less, "
+      "but above MinY: Run writes nothing";
   return {
-      property(filter.className, "MinX as Integer", "The first column that Run writes.",
+      property(filter.className, "MinX as Integer",
+               "The first column that Run writes; those before it are white.",
                {"", "the column", kFirst},
                {{filter.sample, filter.with("MinX = 120"), "The left half stays white."}}),
-      property(filter.className, "MinY as Integer", "The first row that Run writes.",
-               {"", "the row", kFirst},
+      property(filter.className, "MinY as Integer",
+               "The first row that Run writes; those above it are white.", {"", "the row", kFirst},
                {{filter.sample, filter.with("MinY = 80"), "The upper half stays white."}}),
       property(filter.className, "MaxX as Integer",
-               "The column after the last one that Run writes.", {"", "the column", kEnd},
+               "The column after the last one that Run writes; it and those behind it are white.",
+               {"", "the column", kEndX},
                {{filter.sample, filter.with("MaxX = 120"), "The right half stays white."}}),
-      property(filter.className, "MaxY as Integer", "The row after the last one that Run writes.",
-               {"", "the row", kEnd},
+      property(filter.className, "MaxY as Integer",
+               "The row after the last one that Run writes; it and those below it are white.",
+               {"", "the row", kEndY},
                {{filter.sample, filter.with("MaxY = 80"), "The lower half stays white."}}),
   };
 }
@@ -100,12 +110,13 @@ lut.SourcePicture = self
 }
 
 Descriptions tableMembers() {
-  constexpr std::string_view kIndex = "0 to 17; Run uses 0 to 15, the levels 0, 17, 34 … 255";
+  constexpr std::string_view kIndex =
+      "0 to 17; Run uses 0 to 15, which stand for the levels 0, 17, 34 … 255";
   return {
       {kLut,
        "Run as boolean",
        "Maps every pixel of the region through the table, interpolated between its points, into a "
-       "new DestinationPicture.",
+       "new DestinationPicture, which is white outside the region.",
        {},
        "False, with a DestinationPicture of Nil, if there is no SourcePicture, it cannot be read, "
        "or there is no memory for the new one.",
@@ -126,13 +137,15 @@ lut.DestinationPicture)",
          "A warm look from a table of 16 × 16 × 16 colours."}}},
       {kLut,
        "Table(r as integer, g as integer, b as integer, x as integer) as double",
-       "What one point of the table becomes in one channel; read, or assigned to fill the table.",
+       "What the colour of one point of the table becomes in one channel, to read and to assign; 0 "
+       "at first.",
        {{"r", "the point's place in red", kIndex},
         {"g", "the point's place in green", kIndex},
         {"b", "the point's place in blue", kIndex},
         {"x", "the channel of the result", "0 red, 1 green, 2 blue"},
         {"value", "the level, when it is assigned",
-         "any number; Run cuts to 0 to 255, what is no number is 0"}},
+         "any number; Run drops fractions of what it interpolates and stops at 0 and 255; what is "
+         "no number gives 0"}},
        "0 outside the table; an assignment there does nothing.",
        {{"edges",
          R"(Dim lut As New PictureLut3DQRZ
@@ -168,7 +181,7 @@ Descriptions tonerRun() {
   return {{kSepia,
            "Run as boolean",
            "Makes a weighted grey of every pixel of the region and adds an offset to each channel, "
-           "into a new DestinationPicture.",
+           "into a new DestinationPicture, which is white outside the region.",
            {},
            "False, with DestinationPicture as it was, if there is no SourcePicture, it cannot be "
            "read, or there is no memory for the new one.",
@@ -177,7 +190,7 @@ Descriptions tonerRun() {
 }
 
 Descriptions offsetProperties() {
-  constexpr std::string_view kOffset = "any; a result beyond 0 or 255 stops there";
+  constexpr std::string_view kOffset = "any, 0 at first; a result beyond 0 or 255 stops there";
   const Filter plain = toner("");
   return {
       property(kSepia, "SepiaRed as Integer", "What is added to the grey for red.",
@@ -188,12 +201,15 @@ Descriptions offsetProperties() {
                {{plain.sample, plain.with("SepiaGreen = 60"), "Alone it makes a green tone."}}),
       property(kSepia, "SepiaBlue as Integer", "What is added to the grey for blue.",
                {"", "the offset", kOffset},
-               {{plain.sample, plain.with("SepiaBlue = 60"), "A blueprint."}}),
+               {{plain.sample, plain.with("SepiaBlue = 60"),
+                 "Alone it makes a blue tone, like a blueprint."}}),
   };
 }
 
 Descriptions factorProperties() {
-  constexpr std::string_view kWeight = "any number, in steps of 1 / 1024; what is no number is 0";
+  constexpr std::string_view kWeight =
+      "any number; Run drops what is beyond whole 1024ths, takes at least -2,097,152 and at most "
+      "2,097,151, and 0 for what is no number";
   const std::string_view sample = "colors@240x160";
   const Filter noGreen = toner("sepia.FactorGreen = 0\nsepia.FactorBlue = 0\n", sample);
   const Filter noRed = toner("sepia.FactorRed = 0\nsepia.FactorBlue = 0\n", sample);
@@ -202,15 +218,17 @@ Descriptions factorProperties() {
       property(
           kSepia, "FactorRed as Double", "How much red counts in the grey; 0.299 at first.",
           {"", "the weight", kWeight},
-          {{sample, noGreen.with("FactorRed = 1"), "With red alone, red balls are the lightest."}}),
+          {{sample, noGreen.with("FactorRed = 1"),
+            "With red alone, red, orange and yellow balls are light, blue and green ones dark."}}),
       property(kSepia, "FactorGreen as Double",
                "How much green counts in the grey; 0.587 at first.", {"", "the weight", kWeight},
                {{sample, noRed.with("FactorGreen = 1"),
-                 "With green alone, green balls are the lightest."}}),
+                 "With green alone, yellow and light green balls are light, red and violet ones "
+                 "dark."}}),
       property(kSepia, "FactorBlue as Double", "How much blue counts in the grey; 0.114 at first.",
                {"", "the weight", kWeight},
                {{sample, neither.with("FactorBlue = 1"),
-                 "With blue alone, blue balls are the lightest."}}),
+                 "With blue alone, blue balls are light, red, orange and yellow ones dark."}}),
   };
 }
 
@@ -220,14 +238,16 @@ Descriptions allMembers() {
     members.insert(members.end(), more.begin(), more.end());
   };
   add(tableMembers());
-  add(pictureProperties(tableFilter(),
-                        "The result of Run, which releases the one before; Nil where it failed."));
+  add(pictureProperties(
+      tableFilter(), "The new picture that the last Run made; Nil where that failed.",
+      "a picture or Nil, as at first; the next Run lets go of it, even if it fails"));
   add(regionProperties(tableFilter()));
   add({closing(tableFilter(), "Releases both pictures; table and region stay.")});
   add(tonerRun());
   add(offsetProperties());
   add(factorProperties());
-  add(pictureProperties(toner(), "The result of Run; where Run fails, that of the one before."));
+  add(pictureProperties(toner(), "The new picture that the last successful Run made.",
+                        "a picture or Nil, as at first; the next Run that succeeds replaces it"));
   add(regionProperties(toner()));
   add({closing(toner(), "Releases both pictures; offsets, weights and region stay.")});
   return members;

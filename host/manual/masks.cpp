@@ -7,21 +7,26 @@ std::span<const Description> maskMembers() {
   static const Description kMembers[] = {
       {"Picture",
        "HasMaskQRZ as boolean",
-       "Tells whether the host holds a mask for the picture.",
+       "Tells whether the picture has a mask of its own (the property Mask); what is in its pixels "
+       "does not count.",
        {},
-       "False if the picture is nil.",
+       kCannotFail,
        {{"alpha", "self.HasMaskQRZ", "This picture was opened with alpha.", false}}},
       {"Picture",
        "EmbeddedMaskQRZ(swap as boolean) as picture",
-       "Reads the mask inside the pixels as a grey picture, or writes it from one that is "
-       "assigned.",
+       "Reads the mask inside the pixels (the byte beside red, green and blue, not the property "
+       "Mask) as a grey picture, or writes it in place from one that is assigned.",
        {{"swap", "whether every level is turned into 255 minus itself",
-         "True or False; levels are 0 to 255, in the host's own bitmap records 0 to 127"},
+         "True or False; levels are 0 to 255, but only 0 to 127 are read, before they are turned, "
+         "where the host keeps pictures as bitmap records (--pictures bitmap)"},
         {"value", "the picture whose red levels become the mask, when it is assigned",
-         "a picture; where it is smaller, the rest keeps its mask"}},
+         "a picture, laid on from the upper left corner; where it is smaller, the rest keeps its "
+         "mask, what is beyond is ignored"}},
        "Nil if the picture cannot be read or there is no memory for the new one; an assignment "
-       "does nothing if either picture is nil or cannot be read.",
-       {{"alpha", "self.EmbeddedMaskQRZ(False)", "White where the picture is opaque."},
+       "does nothing if the assigned picture is nil, either cannot be read, or this one can only "
+       "be read through a copy, as PICT data and pictures of other than 32 bits.",
+       {{"alpha", "self.EmbeddedMaskQRZ(False)",
+         "White where the picture is opaque, black where nothing of it shows."},
         {"alpha", "self.EmbeddedMaskQRZ(True)", "The same swapped: black where it is opaque."},
         {"landscape",
          "Dim fade As New Picture(self.Width, self.Height, 32)\n"
@@ -36,14 +41,16 @@ std::span<const Description> maskMembers() {
          "A ramp is assigned; read back, it becomes the picture's mask."}}},
       {"Picture",
        "ExtractColorRectangleMaskQRZ as picture",
-       "Covers everything that is not grey with black rectangles, on white.",
+       "Makes a new picture with black rectangles where this one is not grey (red, green and blue "
+       "not all equal), on white.",
        {},
        kNoNewPicture,
        {{"greys", "self.ExtractColorRectangleMaskQRZ", "A box over each coloured area."}}},
       {"Picture",
        "ExtractColorRectangleMaskQRZ(left as integer,top as integer,width as integer,height as "
        "integer) as picture",
-       "Covers what is not grey inside a rectangle with black rectangles, on white.",
+       "Makes a new picture with black rectangles where this one is not grey inside a rectangle, "
+       "on white, which all outside it is as well.",
        rectangleArguments(),
        kNoNewPicture,
        {{"greys", "self.ExtractColorRectangleMaskQRZ(0, 0, -1, 250)",

@@ -8,7 +8,8 @@ namespace host {
 inline constexpr std::string_view kNoNewPicture =
     "Nil if the picture cannot be read or there is no memory for the new one.";
 inline constexpr std::string_view kCannotFail = "Cannot fail.";
-inline constexpr std::string_view kAnyNumber = "any number; a result beyond 0 or 255 stops there";
+inline constexpr std::string_view kAnyNumber =
+    "any number; results lose their fractions and stop at 0 and 255";
 inline constexpr std::string_view kAnyColor = "any colour";
 inline constexpr std::string_view kAnyPicture = "a picture";
 

@@ -5,8 +5,9 @@ namespace host {
 namespace {
 
 constexpr std::string_view kHistogram =
-    "a memory block of 1024 bytes or more, whose 256 counters are added to, or nil for a new one";
-constexpr std::string_view kUnread = "False if the picture is nil or cannot be read.";
+    "a memory block of 1024 bytes or more, whose 256 counters are added to, not cleared, or nil, "
+    "for which the variable receives a new one";
+constexpr std::string_view kUnread = "False if the picture cannot be read.";
 
 /// Marks the tiles that pass the test.
 std::string markedTiles(const std::string& test, const std::string& color) {
@@ -26,12 +27,14 @@ std::span<const Description> searchMembers() {
   static const Description kMembers[] = {
       {"Picture",
        "FindPicture(pic as picture, byref x as integer, byref y as integer) as boolean",
-       "Finds where a smaller picture occurs in this one, exact to the pixel: the topmost place, "
-       "and of those the leftmost.",
+       "Finds where a smaller picture occurs in this one, all colours exactly equal: the topmost "
+       "place, and of those the leftmost.",
        {{"pic", "the picture to look for", "a picture, not larger than this one"},
-        {"x", "receives the column of its left edge", "0 if it is not found"},
-        {"y", "receives the row of its upper edge", "0 if it is not found"}},
-       "False if it does not occur, is larger, or one of the two is nil or cannot be read.",
+        {"x", "receives the column of its left edge in this picture",
+         "a variable; 0 if it is not found"},
+        {"y", "receives the row of its upper edge", "a variable; 0 if it is not found"}},
+       "False, with 0 in x and y, if pic does not occur, is larger or nil, or either picture "
+       "cannot be read.",
        {{"colors",
          R"(Dim part As New Picture(84, 84, 32)
 part.Graphics.DrawPicture(self, 0, 0, 84, 84, 256, 172, 84, 84)
@@ -46,8 +49,8 @@ self)",
        "CountColorQRZ(col as color) as integer",
        "Counts the pixels of exactly one colour.",
        {{"col", "the colour to count; nothing near it counts", kAnyColor}},
-       "0 if the picture is nil or cannot be read.",
-       {{"edges", "self.CountColorQRZ(&cFABA1A)", "As many pixels are yellow.", false},
+       "0 if the picture cannot be read.",
+       {{"edges", "self.CountColorQRZ(&cFABA1A)", "So many pixels are yellow.", false},
         {"edges",
          R"(Dim colors(4) As Color
 colors(0) = &c0D0F14
@@ -70,12 +73,13 @@ bars)",
        "memoryblock, byref count as integer)",
        "Adds the picture to three histograms: of red, green and blue, in the order of the "
        "arguments whatever their names say.",
-       {{"red", "counts the levels of red, 4 bytes a counter", kHistogram},
-        {"blue", "counts the levels of green", kHistogram},
-        {"green", "counts the levels of blue", kHistogram},
-        {"count", "receives the number of pixels", "-1 if nothing was counted"}},
-       "A count of -1 if the picture is nil or cannot be read, a block is shorter than 1024 bytes, "
-       "or there is no memory for a new one.",
+       {{"red", "counts the levels of red: Long(4 * i) is how often level i occurs", kHistogram},
+        {"blue", "counts the levels of green, likewise", kHistogram},
+        {"green", "counts the levels of blue, likewise", kHistogram},
+        {"count", "receives the number of pixels of the picture",
+         "a variable; -1 if nothing was counted"}},
+       "A count of -1, and nothing added, if the picture cannot be read, a block is shorter than "
+       "1024 bytes, or there is no memory for a new one.",
        {{"landscape",
          R"(Dim first, second, third As MemoryBlock
 Dim count As Integer
@@ -117,13 +121,13 @@ sheet)",
        "Tells whether every pixel is black.",
        {},
        kUnread,
-       {{"greys", "self.isBlackQRZ", "Few pixels are black here.", false}}},
+       {{"greys", "self.isBlackQRZ", "Not every pixel is black here.", false}}},
       {"Picture",
        "isBlackQRZ(left as integer,top as integer,width as integer,height as integer) as boolean",
        "Tells whether every pixel of a rectangle is black; also where the rectangle holds none.",
        rectangleArguments(),
        kUnread,
-       {{"greys", "self.isBlackQRZ(0, 0, 20, 20)", "The corner is not black.", false},
+       {{"greys", "self.isBlackQRZ(0, 0, 20, 20)", "The corner is black.", false},
         {"greys", markedTiles("isBlackQRZ", "&c00C0FF"),
          "Tiles that are wholly black are marked."}}},
   };

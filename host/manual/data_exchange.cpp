@@ -46,16 +46,16 @@ std::span<const Description> dataExchangeMembers() {
        "Makes a picture of PICT data, a recording of what it takes to draw this one (on white "
        "where it has a mask), or gives the picture itself if it is PICT data already.",
        {},
-       "Nil if the picture is wider or higher than 32,767 or cannot be recorded, by qrz if it is "
-       "wider than 4,095.",
+       "Nil if the picture is nil, wider or higher than 32,767 or cannot be recorded, by qrz if it "
+       "is wider than 4,095.",
        {{"landscape", "self.PicHandleQRZ", "The recording, drawn again."}}},
       {"Picture",
        "PicHandleDataQRZ as string",
        "Gives the bytes of such a recording (see PicHandleQRZ) as a string, of a picture of PICT "
        "data those that it has.",
        {},
-       "An empty string if the picture is wider or higher than 32,767 or cannot be recorded, by "
-       "qrz if it is wider than 4,095.",
+       "An empty string if the picture is nil, wider or higher than 32,767 or cannot be recorded, "
+       "by qrz if it is wider than 4,095.",
        {{"landscape", "Str(Len(self.PicHandleDataQRZ)) + \" bytes\"", "Its length.", false}}},
       {"",
        "BuildPictureWithPicHandleDataQRZ(data as string) as picture",

@@ -74,10 +74,10 @@ std::string manualMarkdown(const std::vector<ShownGroup>& groups) {
       "`./run members NAME` tells the same in a terminal, and [index.html](index.html), next to "
       "this file, shows it with a search field. Made by `./run manual docs`.\n\n"
       "Unless it says otherwise, a picture that a member gives is new and has no mask, and those "
-      "that it takes stay as they are. On a picture that is Nil, members raise a "
-      "NilObjectException. A picture cannot be read if there is no memory for the copy that its "
-      "kind takes, or if it is PICT data and the host does not make its pictures as GWorlds "
-      "(`--pictures`).\n\n";
+      "that it takes stay as they are. Called on a picture that is Nil, members give what "
+      "they give for a failure, but programs in qrz get a NilObjectException before. A picture "
+      "cannot be read if there is no memory for the copy that its kind takes, or if it is PICT "
+      "data and the host does not make its pictures as GWorlds (`--pictures`).\n\n";
   for (const ShownGroup& group : groups) text += contentsOf(group);
   for (const ShownGroup& group : groups) {
     text += "\n## " + plain(group.title) + "\n\n";

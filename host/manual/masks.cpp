@@ -10,7 +10,7 @@ std::span<const Description> maskMembers() {
        "Tells whether the picture has a mask of its own (the property Mask); what is in its pixels "
        "does not count.",
        {},
-       kCannotFail,
+       "False if the picture is nil.",
        {{"alpha", "self.HasMaskQRZ", "This picture was opened with alpha.", false}}},
       {"Picture",
        "EmbeddedMaskQRZ(swap as boolean) as picture",

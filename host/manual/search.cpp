@@ -7,7 +7,7 @@ namespace {
 constexpr std::string_view kHistogram =
     "a memory block of 1024 bytes or more, whose 256 counters are added to, not cleared, or nil, "
     "for which the variable receives a new one";
-constexpr std::string_view kUnread = "False if the picture cannot be read.";
+constexpr std::string_view kUnread = "False if the picture is nil or cannot be read.";
 
 /// Marks the tiles that pass the test.
 std::string markedTiles(const std::string& test, const std::string& color) {
@@ -49,7 +49,7 @@ self)",
        "CountColorQRZ(col as color) as integer",
        "Counts the pixels of exactly one colour.",
        {{"col", "the colour to count; nothing near it counts", kAnyColor}},
-       "0 if the picture cannot be read.",
+       "0 if the picture is nil or cannot be read.",
        {{"edges", "self.CountColorQRZ(&cFABA1A)", "So many pixels are yellow.", false},
         {"edges",
          R"(Dim colors(4) As Color
@@ -78,7 +78,8 @@ bars)",
         {"green", "counts the levels of blue, likewise", kHistogram},
         {"count", "receives the number of pixels of the picture",
          "a variable; -1 if nothing was counted"}},
-       "A count of -1, and nothing added, if the picture cannot be read, a block is shorter than "
+       "A count of -1, and nothing added, if the picture is nil or cannot be read, a block is "
+       "shorter than "
        "1024 bytes, or there is no memory for a new one.",
        {{"landscape",
          R"(Dim first, second, third As MemoryBlock

@@ -103,6 +103,7 @@ TEST_F(ManualTest, MembersAreExplained) {
           example  self.InvertGrayQRZ
           try it   ./run apply 'self.InvertGrayQRZ' sample:greys -o out.png
 )");
+  EXPECT_EQ(qrz("members self.invertgrayqrz").output, qrz("members Picture.InvertGrayQRZ").output);
   EXPECT_NE(qrz("members PictureSepiaQRZ.Run")
                 .output.find("0x00000 method    Run as boolean\n"
                              "          Makes a weighted grey"),

@@ -71,10 +71,11 @@ void print(const Section& section, Detail detail) {
   }
 }
 
-/// Keeps what has the name, which may be "Class.Member".
+/// Keeps what has the name, which may be "Class.Member", or "self.Member" as in an expression.
 std::vector<Section> named(std::vector<Section> sections, const std::string& name) {
   const size_t dot = name.find('.');
-  const std::string className = dot == std::string::npos ? "" : name.substr(0, dot);
+  std::string className = dot == std::string::npos ? "" : name.substr(0, dot);
+  if (sameName(className, "self")) className = "Picture";
   const std::string memberName = dot == std::string::npos ? name : name.substr(dot + 1);
   for (Section& section : sections) {
     const bool isWanted = className.empty() || sameName(section.name, className);

@@ -117,6 +117,23 @@ TEST_F(DocumentsTest, Examples) {
   EXPECT_EQ(document.pictures.size(), programs);
 }
 
+TEST(DocumentLinksTest, LeadSomewhere) {
+  static const std::regex link("\\]\\(([^)#:]+)(#[^)]*)?\\)");
+  size_t count = 0;
+  for (const char* folder : {".", "docs", "examples"}) {
+    for (const auto& entry : fs::directory_iterator(kSource / folder)) {
+      if (entry.path().extension() != ".md") continue;
+      const std::string text = readDocument(entry.path()).text;
+      for (auto match = std::sregex_iterator(text.begin(), text.end(), link);
+           match != std::sregex_iterator(); ++match, ++count) {
+        const std::string target = (*match)[1];
+        EXPECT_TRUE(fs::exists(entry.path().parent_path() / target)) << entry << ": " << target;
+      }
+    }
+  }
+  EXPECT_GT(count, 150U);
+}
+
 TEST_F(DocumentsTest, Contributing) { runAll(readDocument(kSource / "CONTRIBUTING.md")); }
 
 }  // namespace

@@ -87,6 +87,25 @@ TEST_F(BatchTest, WhateverTheJobsTheResultsAreTheSame) {
   }
 }
 
+TEST_F(BatchTest, NoResultReplacesAPictureThatIsStillToCome) {
+  for (const std::string jobs : {"1", "2"}) {
+    expect(
+        "printf 'P6 1 1 255 abc' >a.ppm; cp sub/a.png a.png; ln -sfn . here; "
+        "qrz apply self.InvertQRZ a.ppm a.png -o here --jobs " +
+            jobs,
+        1,
+        "1 of 2 done, 1 failed:\na.ppm: the result would replace here/a.png, another of the "
+        "pictures; choose another folder\n");
+    expect("qrz apply self.InvertQRZ sub/a.png -o - | cmp - a.png", 0, "");
+  }
+}
+
+TEST_F(BatchTest, ASlipInTheExpressionIsSaidOnce) {
+  const Outcome outcome = inFolder("qrz apply 'self.InvertQRZ(' a.png b.bmp none.png -o out/");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, inFolder("qrz apply 'self.InvertQRZ(' a.png").output);
+}
+
 TEST_F(BatchTest, AFailedProcessFailsItsFileAlone) {
   expect(
       "qrz apply self.Width pipe pipe2 a.png b.bmp sub/a.png --jobs 2 & q=$!; "
@@ -133,6 +152,21 @@ TEST_F(BatchTest, FitsIntoGnuParallel) {
       "cd sub; parallel qrz apply self.InvertQRZ {} -o inverted/ ::: *.png && "
       "parallel -k qrz apply self.Width ::: inverted/*.png",
       0, "inverted/a.png: 60\ninverted/bad.png: 50\n");
+}
+
+TEST_F(BatchTest, ProgressFitsIntoTheTerminal) {
+  const std::pair<const char*, const char*> lines[] = {
+      {"0", "[##########################..............] 2 of 3, 1 failed\r\033[K"},
+      {"30", "[######....] 2 of 3, 1 failed\r\033[K"},
+      {"20", "2 of 3, 1 failed\r\033[K"},
+      {"9", "2 of 3, \r\033[K"}};
+  for (const auto& [columns, line] : lines) {
+    const Outcome outcome =
+        inFolder(std::string("(sleep 1.1; cat a.png) >pipe & script -qec 'stty cols ") + columns +
+                 "; qrz apply self.Width bad.png pipe a.png' /dev/null");
+    EXPECT_NE(outcome.output.find(std::string("\r") + line), std::string::npos) << columns << '\n'
+                                                                                << outcome.output;
+  }
 }
 
 TEST_F(BatchTest, InterruptSaysHowFarItGot) {

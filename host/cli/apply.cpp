@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <set>
 #include <stdexcept>
 
 #include "host/cli/batch.h"
@@ -28,13 +29,9 @@ bool usesSelf(const std::string& expression) {
   const SourceText source(expression, "expression");
   Lexer lexer(source);
   bool isMember = false;
-  try {
-    for (Token token = lexer.next(); token.kind != Token::Kind::EndOfFile; token = lexer.next()) {
-      if (token.kind == Token::Kind::Name && !isMember && sameName(token.text, "self")) return true;
-      isMember = token.isSymbol(".");
-    }
-  } catch (const ScriptError&) {
-    // Its evaluation will show the place.
+  for (Token token = lexer.next(); token.kind != Token::Kind::EndOfFile; token = lexer.next()) {
+    if (token.kind == Token::Kind::Name && !isMember && sameName(token.text, "self")) return true;
+    isMember = token.isSymbol(".");
   }
   return false;
 }
@@ -43,6 +40,8 @@ void checkUsage(const ApplyOptions& options) {
   if (options.expression.find_first_not_of(" \t\r\n") == std::string::npos) {
     throw WrongUsage("qrz: the expression is empty; `qrz --help` shows the usage");
   }
+  // A slip is said once, not for each file. Throws ScriptError.
+  static_cast<void>(Script::parseExpression(options.expression, "expression"));
   if (options.files.empty() && usesSelf(options.expression)) {
     throw WrongUsage("qrz: the expression uses self; name a picture file behind it");
   }
@@ -90,14 +89,33 @@ std::string outputFor(const std::string& input, const std::string& folder) {
   return (fs::path(folder) / name).string();
 }
 
-std::vector<PictureTask> tasksOf(const ApplyOptions& options) {
-  if (options.files.empty()) return {{std::nullopt, options.output}};
-  const bool intoFolder = isFolder(options);
+/// The one path of a file, whichever way it is named.
+fs::path realPath(const std::string& file) {
+  std::error_code error;
+  return fs::weakly_canonical(file, error);
+}
+
+std::vector<PictureTask> tasksIntoFolder(const std::vector<std::string>& files,
+                                         const std::string& folder) {
+  std::set<fs::path> inputs;
+  for (const std::string& file : files) inputs.insert(realPath(file));
   std::vector<PictureTask> tasks;
-  for (const std::string& file : options.files) {
-    tasks.push_back({file, intoFolder ? outputFor(file, options.output) : options.output});
+  for (const std::string& file : files) {
+    const std::string output = outputFor(file, folder);
+    const fs::path replaced = realPath(output);
+    tasks.push_back({file, output, inputs.contains(replaced) && replaced != realPath(file)});
   }
   return tasks;
+}
+
+std::vector<PictureTask> tasksOf(const ApplyOptions& options) {
+  if (options.files.empty()) return {{std::nullopt, options.output}};
+  if (!isFolder(options)) {
+    std::vector<PictureTask> tasks;
+    for (const std::string& file : options.files) tasks.push_back({file, options.output});
+    return tasks;
+  }
+  return tasksIntoFolder(options.files, options.output);
 }
 
 }  // namespace

@@ -79,7 +79,10 @@ void addApply(CLI::App& app, ApplyOptions& options) {
       "A result that is a picture is written, in the format that the name says; any other value is "
       "printed. PNG, JPEG, BMP, GIF, TGA, PNM and PICT files are read, PNG, JPEG, BMP, TGA and "
       "PICT written. Statements may come before the expression, each ended by ';' or a line end. "
-      "After a file that fails come the others, and the status is 1 or 2.\n\n"
+      "Without a file the expression is evaluated once, without self. After a file that fails come "
+      "the others; the last lines on standard error say what failed and why, and the status is 1. "
+      "A "
+      "result never replaces another file of the command line.\n\n"
       "One picture, many, the value of a property, and a picture from another program:\n"
       "  qrz apply \"self.InvertQRZ\" photo.jpg -o out.png\n"
       "  qrz apply \"self.InvertGrayQRZ(0, 0, 200, -1)\" *.png -o inverted/ --jobs 2\n"
@@ -111,6 +114,12 @@ void addApply(CLI::App& app, ApplyOptions& options) {
 void addView(CLI::App& app, ViewOptions& options) {
   constexpr int32_t kMostColumns = 1000;
   auto* view = app.add_subcommand("view", "Show pictures in the terminal");
+  view->footer(
+      "In colours on a terminal of 24-bit colours; as plain text elsewhere, and where the "
+      "environment sets NO_COLOR or a TERM of dumb.\n\n"
+      "A picture and a built-in one, and text for a file:\n"
+      "  qrz view photo.jpg sample:alpha\n"
+      "  qrz view photo.jpg --width 60 >photo.txt");
   view->add_option("files", options.files,
                    "Picture files, built-in ones (sample:landscape), or - for standard input")
       ->required()

@@ -2,7 +2,6 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
-#include <ranges>
 #include <span>
 #include <stdexcept>
 
@@ -36,7 +35,10 @@ class FolderWriter {
   FolderWriter& operator=(const FolderWriter&) = delete;
   ~FolderWriter() {
     std::error_code ignored;
-    for (const fs::path& path : std::views::reverse(made_)) fs::remove(path, ignored);
+    while (!made_.empty()) {
+      fs::remove(made_.back(), ignored);
+      made_.pop_back();
+    }
   }
 
   /// The file's name may begin with a folder. Throws Unwritable.

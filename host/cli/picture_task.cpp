@@ -31,6 +31,10 @@ void write(Picture& picture, const PictureTask& task, bool isTaken) {
     throw Failure(kWrongUsage, prefix + "the result is a picture; name its file with -o");
   }
   if (task.output == kStandardStream) return writeToStandardOutput(picture);
+  if (task.replacesAnother) {
+    throw Failure(kFailed, prefix + "the result would replace " + task.output +
+                               ", another of the pictures; choose another folder");
+  }
   if (isTaken) {
     throw Failure(kFailed,
                   prefix + "another file of this name was written to " + task.output + " already");

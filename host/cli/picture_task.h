@@ -16,6 +16,8 @@ inline constexpr const char* kStandardStream = "-";
 struct PictureTask {
   std::optional<std::string> input;  ///< without it there is no `self`
   std::string output;                ///< where a picture goes; may be empty
+  /// The output is the input of another task, which it would lose.
+  bool replacesAnother = false;
 };
 
 /// What came of a task.

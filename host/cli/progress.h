@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <string>
 
+#include "host/cli/terminal.h"
+
 namespace host {
 
 /// Shows a bar on standard error once the work has taken a second, if that is a
@@ -23,11 +25,7 @@ class Progress {
     ++done_;
     if (failed) ++failed_;
     if (!isTerminal_ || Clock::now() - start_ < std::chrono::seconds(1)) return;
-    constexpr size_t kWidth = 40;
-    const size_t filled = kWidth * done_ / std::max<size_t>(total_, 1);
-    const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
-    fprintf(stderr, "\r[%s] %zu of %zu", bar.c_str(), done_, total_);
-    if (failed_ > 0) fprintf(stderr, ", %zu failed", failed_);
+    fputs(("\r" + line(static_cast<size_t>(terminalSize(STDERR_FILENO).width))).c_str(), stderr);
     shown_ = true;
   }
   /// Makes room for another line.
@@ -37,6 +35,19 @@ class Progress {
   }
 
  private:
+  /// What fits into so many columns: "[####....] 3 of 6, 1 failed". A longer line could not be
+  /// wiped.
+  [[nodiscard]] std::string line(size_t columns) const {
+    constexpr size_t kWidest = 40;
+    std::string counts = std::to_string(done_) + " of " + std::to_string(total_);
+    if (failed_ > 0) counts += ", " + std::to_string(failed_) + " failed";
+    const size_t taken = counts.size() + 4;  // brackets, a blank, and the cursor behind the line
+    if (columns <= taken) return counts.substr(0, columns - 1);
+    const size_t width = std::min(kWidest, columns - taken);
+    const size_t filled = width * done_ / std::max<size_t>(total_, 1);
+    return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] " + counts;
+  }
+
   using Clock = std::chrono::steady_clock;
   size_t total_;
   size_t done_ = 0;

@@ -1,4 +1,3 @@
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,6 +7,7 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/picture_task.h"
+#include "host/cli/terminal.h"
 #include "host/cli/terminal_picture.h"
 #include "host/core/exception.h"
 #include "host/core/interrupt.h"
@@ -27,14 +27,6 @@ std::string_view environment(const char* name) {
 bool showsColors() {
   return isatty(STDOUT_FILENO) == 1 && environment("TERM") != "dumb" &&
          environment("NO_COLOR").empty();
-}
-
-/// In characters.
-PictureSize terminalSize() {
-  winsize size{};
-  const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0;
-  return {isKnown && size.ws_col > 0 ? size.ws_col : 80,
-          isKnown && size.ws_row > 0 ? size.ws_row : 24};
 }
 
 void print(std::string_view text) {
@@ -59,7 +51,7 @@ class Viewer {
       : inColors_(showsColors()), namesAll_(options.files.size() > 1) {
     constexpr int32_t kMost = 1000;
     if (inColors_) {
-      const PictureSize terminal = terminalSize();
+      const PictureSize terminal = terminalSize(STDOUT_FILENO);
       // There is a line for the prompt, and one for a name.
       most_ = {std::min(terminal.width, kMost),
                std::clamp(terminal.height - (namesAll_ ? 2 : 1), 1, kMost)};

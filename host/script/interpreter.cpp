@@ -13,6 +13,10 @@ Script Script::parse(std::string source, std::string fileName) {
   return Script(parseProgram(SourceText(std::move(source), std::move(fileName))));
 }
 
+Script Script::parseExpression(std::string source, std::string fileName) {
+  return Script(parseProgramWithValue(SourceText(std::move(source), std::move(fileName))));
+}
+
 Interpreter::Interpreter(Registry& registry, std::ostream& output)
     : machine_(std::make_unique<Machine>(registry, output)) {}
 
@@ -29,7 +33,7 @@ void Interpreter::setArguments(std::vector<std::string> arguments) {
 void Interpreter::run(const Script& script) { machine_->run(*script.program_); }
 
 Value Interpreter::evaluate(const std::string& text, const std::string& fileName) {
-  return machine_->run(*parseProgramWithValue(SourceText(text, fileName)));
+  return machine_->run(*Script::parseExpression(text, fileName).program_);
 }
 
 void Interpreter::setInterruptFlag(const volatile sig_atomic_t* flag) {

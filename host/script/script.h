@@ -32,6 +32,9 @@ class Script {
   /// no program; names and types are looked up when the program runs.
   static Script parse(std::string source, std::string fileName);
 
+  /// The same of an expression, which statements may precede on lines of their own.
+  static Script parseExpression(std::string source, std::string fileName);
+
  private:
   friend class Interpreter;
   explicit Script(std::shared_ptr<const Program> program);
@@ -63,9 +66,8 @@ class Interpreter {
   /// of memory, becomes a ScriptError at the place of the call.
   void run(const Script& script);
 
-  /// The value of an expression, which statements may precede on lines of their
-  /// own; Nil if it calls a member without result. `fileName` is only shown in
-  /// messages. Throws like Script::parse and run.
+  /// The value of an expression, as Script::parseExpression takes it; Nil if it
+  /// calls a member without result. Throws like it and run.
   Value evaluate(const std::string& text, const std::string& fileName);
 
   /// Polled at every statement: once it is not 0, the script ends with a

@@ -115,9 +115,11 @@ TEST_F(BatchTest, AFailedProcessFailsItsFileAlone) {
       "a.png: 60\nb.bmp: 50\nsub/a.png: 60\n3 of 5 done, 2 failed:\n"
       "pipe: the host process ended by signal 9\npipe2: the host process ended by signal 9\n");
   expect("(trap '' CHLD; qrz apply self.Width a.png b.bmp --jobs 2)", 0, "a.png: 60\nb.bmp: 50\n");
+#ifndef __SANITIZE_ADDRESS__  // whose checks open files themselves
   // As many as can be started have to do.
   expect("ulimit -n 8; qrz apply 1 $(yes a.png | head -8) --jobs 8", 0,
          inFolder("yes 'a.png: 1' | head -8").output);
+#endif
 }
 
 TEST_F(BatchTest, WhatProcessesLeaveAliveIsFound) {

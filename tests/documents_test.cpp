@@ -118,15 +118,16 @@ TEST_F(DocumentsTest, Examples) {
 }
 
 TEST(DocumentLinksTest, LeadSomewhere) {
-  static const std::regex link("\\]\\(([^)#:]+)(#[^)]*)?\\)");
   size_t count = 0;
   for (const char* folder : {".", "docs", "examples"}) {
     for (const auto& entry : fs::directory_iterator(kSource / folder)) {
       if (entry.path().extension() != ".md") continue;
       const std::string text = readDocument(entry.path()).text;
-      for (auto match = std::sregex_iterator(text.begin(), text.end(), link);
-           match != std::sregex_iterator(); ++match, ++count) {
-        const std::string target = (*match)[1];
+      for (size_t at = text.find("]("); at != std::string::npos; at = text.find("](", at + 1)) {
+        const std::string link = between(text.substr(at), "](", ")");
+        const std::string target = link.substr(0, link.find('#'));
+        if (target.find(':') != std::string::npos) continue;
+        ++count;
         EXPECT_TRUE(fs::exists(entry.path().parent_path() / target)) << entry << ": " << target;
       }
     }

@@ -7,11 +7,10 @@ namespace {
 /// Of what serves other systems only.
 Description idle(std::string_view className, std::string_view declaration, std::string_view summary,
                  std::vector<Argument> arguments, Example example) {
-  return {className,          declaration,         summary, std::move(arguments),
-          "Always the same.", {std::move(example)}};
+  return {className, declaration, summary, std::move(arguments), kCannotFail, {std::move(example)}};
 }
 
-Argument ignored(std::string_view name) { return {name, "nothing", "any; it is not looked at"}; }
+Argument ignored(std::string_view name) { return {name, "not used", "any"}; }
 
 }  // namespace
 

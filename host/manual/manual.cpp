@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 
 #include "host/core/interrupt.h"
 #include "host/core/runtime.h"
@@ -15,21 +14,6 @@
 
 namespace host {
 namespace {
-
-void checkMembers(std::string_view className, const std::vector<Member>& members) {
-  for (const Member& member : members) {
-    if (member.isRegistered && findDescription(className, member) == nullptr) {
-      throw std::logic_error("the manual does not describe " + std::string(className) +
-                             (className.empty() ? "" : ".") + member.declaration.text);
-    }
-  }
-}
-
-void checkAllMembers() {
-  Registry& registry = runtime().registry;
-  for (const Class& entry : registry.classes()) checkMembers(entry.name, entry.members);
-  checkMembers("", registry.globals());
-}
 
 /// Another build of the plug-in may lack members.
 bool isRegistered(const Description& description) {
@@ -127,9 +111,6 @@ class ManualMaker {
 
 }  // namespace
 
-Manual makeManual() {
-  checkAllMembers();
-  return ManualMaker().make();
-}
+Manual makeManual() { return ManualMaker().make(); }
 
 }  // namespace host

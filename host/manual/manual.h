@@ -19,8 +19,8 @@ struct Manual {
   std::vector<ManualPicture> pictures;
 };
 
-/// Runs all examples of the members that are registered. An example that fails throws ScriptError;
-/// a member without a description throws std::logic_error, which names it.
+/// Runs all examples of the described members that are registered. One that fails throws
+/// ScriptError.
 Manual makeManual();
 
 }  // namespace host

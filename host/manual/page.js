@@ -33,7 +33,7 @@
     const button = document.getElementById("page_theme");
     const show = () => {
       button.textContent = isDark() ? "Light" : "Dark";
-      button.setAttribute("aria-label", `${button.textContent} colors`);
+      button.setAttribute("aria-label", `${button.textContent} colours`);
     };
     button.addEventListener("click", () => {
       useTheme(isDark() ? "light" : "dark");

@@ -120,6 +120,7 @@ TEST_P(CompletionTest, CompletesWhatMayStandThere) {
       {"qrz --plugin=oth", "<qrz><--plugin=other.so>"},
       {"qrz members InvertG", "<qrz><members><InvertGrayQRZ>"},
       {"qrz members PictureL", "<qrz><members><PictureLut3DQRZ>"},
+      {"qrz members PictureSepiaQRZ.R", "<qrz><members><PictureSepiaQRZ.Run>"},
       {"qrz apply self my", "<qrz><apply><self><my photo.png>"},
       {"qrz apply self 'my", "<qrz><apply><self><my photo.png>"},
       {"qrz apply self my\\ ph", "<qrz><apply><self><my photo.png>"},

@@ -11,14 +11,22 @@ namespace host {
 namespace {
 
 constexpr const char* kFunctions = R"shell(
-# The names of all members and classes, a line each.
+# The names of all members and classes, a line each; members of a class also with its name.
 _qrz_members() {
-  local first second third rest
+  local first second third rest owner=
   "$_qrz_program" members 2>/dev/null </dev/null | while read -r first second third rest; do
+    third=${third%%\(*}
     case $first in
-      class) printf '%s\n' "$second" ;;
-      extension) printf '%s\n' "$third" ;;
-      0x*) printf '%s\n' "${third%%\(*}" ;;
+      class)
+        owner=$second
+        printf '%s\n' "$owner"
+        ;;
+      extension)
+        owner=
+        printf '%s\n' "$third"
+        ;;
+      global) owner= ;;
+      0x*) printf '%s\n' "$third" ${owner:+"$owner.$third"} ;;
     esac
   done
 }

@@ -112,6 +112,7 @@ TEST(ManualPage, NamesEveryPlaceOnce) {
   const ShownMember member{"InvertQRZ", "InvertQRZ", "", "", {}, "", {}};
   ShownMember overload = member;
   overload.anchor = "InvertQRZ-2";
+  overload.arguments = {{"left", "first column", "any"}, {"top", "first row", "any"}};
   const std::string page = manualPage({{"Tone", {member, overload}}, {"Tone", {}}});
   std::set<std::string> ids;
   for (size_t at = page.find(" id=\""); at != std::string::npos; at = page.find(" id=\"", at + 1)) {
@@ -123,6 +124,7 @@ TEST(ManualPage, NamesEveryPlaceOnce) {
     EXPECT_TRUE(ids.contains(id)) << id;
     EXPECT_GE(countOf(page, "href=\"#" + std::string(id) + "\""), 1U) << id;
   }
+  EXPECT_EQ(countOf(page, "(left, top)"), 1U) << "overloads are told apart";
 }
 
 }  // namespace

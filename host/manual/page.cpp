@@ -1,5 +1,6 @@
 #include "host/manual/page.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -42,6 +43,26 @@ std::string breakable(std::string_view name) {
     html += escaped(name.substr(i, 1));
   }
   return html;
+}
+
+/// The first one that made a picture, or else the first one.
+ShownExample exampleOfTile(const ShownMember& member) {
+  for (const ShownExample& example : member.examples) {
+    if (isShown(example.after)) return example;
+  }
+  return member.examples.empty() ? ShownExample() : member.examples.front();
+}
+
+bool hasOverloads(const ShownGroup& group, const ShownMember& member) {
+  return std::ranges::count(group.members, member.name, &ShownMember::name) > 1;
+}
+
+std::string parametersOf(const ShownMember& member) {
+  std::string names;
+  for (const ShownArgument& argument : member.arguments) {
+    names += (names.empty() ? "" : ", ") + argument.name;
+  }
+  return names;
 }
 
 class Page {
@@ -116,22 +137,26 @@ class Page {
   void writeGroup(const ShownGroup& group, const std::string& id) {
     html_ += "<section id=\"" + id + "\" aria-labelledby=\"" + id + "_title\">\n<h2 id=\"" + id +
              "_title\">" + escaped(group.title) + "</h2>\n<ul class=\"sheet\">\n";
-    for (const ShownMember& member : group.members) writeTile(member);
+    for (const ShownMember& member : group.members) writeTile(member, hasOverloads(group, member));
     html_ += "</ul>\n";
     for (const ShownMember& member : group.members) writeMember(member);
     html_ += "</section>\n";
   }
 
-  /// What the first example made, as a link to the member.
-  void writeTile(const ShownMember& member) {
+  /// What an example made, as a link to the member; overloads with what they take.
+  void writeTile(const ShownMember& member, bool isOverload) {
     html_ += "<li><a href=\"#" + escaped(member.anchor) + "\">";
-    const ShownExample example = member.examples.empty() ? ShownExample() : member.examples.front();
+    const ShownExample example = exampleOfTile(member);
     if (isShown(example.after)) {
       writePicture(example.after, "");
     } else {
       html_ += "<span class=\"text\">" + escaped(example.value) + "</span>";
     }
-    html_ += "<span class=\"name\">" + breakable(member.name) + "</span></a></li>\n";
+    html_ += "<span class=\"name\">" + breakable(member.name);
+    if (isOverload && !member.arguments.empty()) {
+      html_ += " <span class=\"parameters\">(" + escaped(parametersOf(member)) + ")</span>";
+    }
+    html_ += "</span></a></li>\n";
   }
 
   void writeMember(const ShownMember& member) {

@@ -149,13 +149,6 @@ TEST_F(BatchTest, NoProcessOutlivesTheFirst) {
   }
 }
 
-TEST_F(BatchTest, FitsIntoGnuParallel) {
-  expect(
-      "cd sub; parallel qrz apply self.InvertQRZ {} -o inverted/ ::: *.png && "
-      "parallel -k qrz apply self.Width ::: inverted/*.png",
-      0, "inverted/a.png: 60\ninverted/bad.png: 50\n");
-}
-
 TEST_F(BatchTest, ProgressFitsIntoTheTerminal) {
   const std::pair<const char*, const char*> lines[] = {
       {"0", "[##########################..............] 2 of 3, 1 failed\r\033[K"},

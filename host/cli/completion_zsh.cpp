@@ -33,7 +33,7 @@ _qrz() {
 compdef _qrz qrz -p '*/run'
 )zsh";
 
-/// The text where characters that end a part of a specification must not.
+/// The text where characters that end a part of an entry must not.
 std::string escaped(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -60,24 +60,24 @@ std::string valuedName(const std::string& name) {
   return name + (name.starts_with("--") ? "=" : "+");
 }
 
-/// The specifications of an option for _arguments, one for each of its names.
-std::string optionSpecifications(const CLI::Option& option) {
+/// The entries of an option for _arguments, one for each of its names.
+std::string optionEntries(const CLI::Option& option) {
   const std::vector<std::string> names = namesOf(option);
   std::string text;
   for (const std::string& name : names) {
-    std::string specification = takesMany(option) ? "*" : "(" + joined(names, " ") + ")";
-    specification += takesValue(option) ? valuedName(name) : name;
-    specification += "[" + escaped(option.get_description()) + "]";
+    std::string entry = takesMany(option) ? "*" : "(" + joined(names, " ") + ")";
+    entry += takesValue(option) ? valuedName(name) : name;
+    entry += "[" + escaped(option.get_description()) + "]";
     if (takesValue(option)) {
-      specification += ":" + escaped(option.get_type_name()) + ":";
-      specification += actionFor(option.get_type_name());
+      entry += ":" + escaped(option.get_type_name()) + ":";
+      entry += actionFor(option.get_type_name());
     }
-    text += "  " + shellQuoted(specification) + "\n";
+    text += "  " + shellQuoted(entry) + "\n";
   }
   return text;
 }
 
-std::string argumentSpecification(const CLI::Option& argument, const std::string& name) {
+std::string argumentEntry(const CLI::Option& argument, const std::string& name) {
   return "  " +
          shellQuoted((takesMany(argument) ? "*:" : ":") + escaped(name) + ":" +
                      actionFor(argument.get_type_name())) +
@@ -90,12 +90,12 @@ std::string argumentLines(const CLI::App& command) {
   std::string text;
   const Options arguments = argumentsOf(command);
   for (const CLI::Option* argument : arguments) {
-    text += argumentSpecification(*argument, argument->get_name(true));
+    text += argumentEntry(*argument, argument->get_name(true));
   }
   if (!arguments.empty() && takesMany(*arguments.back())) return text;
   for (const CLI::Option* option : optionsOf(command)) {
     if (!takesMany(*option)) continue;
-    return text + argumentSpecification(*option, option->get_type_name());
+    return text + argumentEntry(*option, option->get_type_name());
   }
   return text;
 }
@@ -103,15 +103,15 @@ std::string argumentLines(const CLI::App& command) {
 /// The lines of all options of a program or command.
 std::string optionLines(const CLI::App& app) {
   std::string text;
-  for (const CLI::Option* option : optionsOf(app)) text += optionSpecifications(*option);
+  for (const CLI::Option* option : optionsOf(app)) text += optionEntries(*option);
   return text;
 }
 
 std::string commandFunction(const CLI::App& command) {
-  std::string text = "\n_qrz-" + command.get_name() + "() {\n  local -a specifications=(\n";
+  std::string text = "\n_qrz-" + command.get_name() + "() {\n  local -a entries=(\n";
   text += optionLines(command);
   text += argumentLines(command);
-  return text + "  )\n  _arguments -S $_qrz_options $specifications\n}\n";
+  return text + "  )\n  _arguments -S $_qrz_options $entries\n}\n";
 }
 
 }  // namespace

@@ -42,7 +42,8 @@ TEST_F(ManualTest, TheOneInDocsIsOfToday) {
   ASSERT_EQ(outcome.status, 0) << outcome.output;
   size_t files = 0;
   for (const auto& entry : fs::recursive_directory_iterator(path("docs"))) {
-    if (!entry.is_regular_file()) continue;
+    // The page is made anew by whoever wants to look at it.
+    if (!entry.is_regular_file() || entry.path().filename() == "index.html") continue;
     ++files;
     const fs::path kept = kDocs / fs::relative(entry.path(), path("docs"));
     ASSERT_TRUE(fs::exists(kept)) << kept << ": make the manual anew, by ./run manual docs";
@@ -50,7 +51,7 @@ TEST_F(ManualTest, TheOneInDocsIsOfToday) {
         << kept << " is not of today; make the manual anew, by ./run manual docs";
   }
   const auto pictures = fs::directory_iterator(std::string(kDocs) + "/pictures");
-  EXPECT_EQ(static_cast<size_t>(std::distance(pictures, fs::directory_iterator())) + 2, files)
+  EXPECT_EQ(static_cast<size_t>(std::distance(pictures, fs::directory_iterator())) + 1, files)
       << "docs/pictures has files that nobody shows";
 }
 

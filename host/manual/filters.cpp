@@ -92,20 +92,27 @@ Description closing(const Filter& filter, std::string_view summary) {
 
 // ---- The three-dimensional table
 
-Filter tableFilter() {
-  return {kLut, "lut",
-          R"(Dim lut As New PictureLut3DQRZ
+constexpr const char* kRunTable = "Call lut.Run\nlut.DestinationPicture";
+
+/// A table for self, filled by statements for each of its points.
+std::string filledTable(const std::string& statements) {
+  return R"(Dim lut As New PictureLut3DQRZ
 For r As Integer = 0 To 15
   For g As Integer = 0 To 15
     For b As Integer = 0 To 15
-      lut.Table(r, g, b, 0) = 17 * b
-      lut.Table(r, g, b, 1) = 17 * r
-      lut.Table(r, g, b, 2) = 17 * g
-    Next
+)" + statements +
+         R"(    Next
   Next
 Next
 lut.SourcePicture = self
-)",
+)";
+}
+
+Filter tableFilter() {
+  return {kLut, "lut", filledTable(R"(      lut.Table(r, g, b, 0) = 17 * b
+      lut.Table(r, g, b, 1) = 17 * r
+      lut.Table(r, g, b, 2) = 17 * g
+)"),
           "gradients@240x160"};
 }
 
@@ -120,20 +127,10 @@ Descriptions tableMembers() {
        {},
        "False, with a DestinationPicture of Nil, if there is no SourcePicture, it cannot be read, "
        "or there is no memory for the new one.",
-       {{"landscape",
-         R"(Dim lut As New PictureLut3DQRZ
-For r As Integer = 0 To 15
-  For g As Integer = 0 To 15
-    For b As Integer = 0 To 15
-      lut.Table(r, g, b, 0) = 17 * r * 1.15 + 12
+       {{"landscape", filledTable(R"(      lut.Table(r, g, b, 0) = 17 * r * 1.15 + 12
       lut.Table(r, g, b, 1) = 17 * g * 0.95
       lut.Table(r, g, b, 2) = 17 * b * 0.7 + 30
-    Next
-  Next
-Next
-lut.SourcePicture = self
-Call lut.Run
-lut.DestinationPicture)",
+)") + kRunTable,
          "A warm look from a table of 16 × 16 × 16 colours."}}},
       {kLut,
        "Table(r as integer, g as integer, b as integer, x as integer) as double",
@@ -147,20 +144,10 @@ lut.DestinationPicture)",
          "any number; Run drops fractions of what it interpolates and stops at 0 and 255; what is "
          "no number gives 0"}},
        "0 outside the table; an assignment there does nothing.",
-       {{"edges",
-         R"(Dim lut As New PictureLut3DQRZ
-For r As Integer = 0 To 15
-  For g As Integer = 0 To 15
-    For b As Integer = 0 To 15
-      For x As Integer = 0 To 2
+       {{"edges", filledTable(R"(      For x As Integer = 0 To 2
         lut.Table(r, g, b, x) = 17 * (r * (2 - x) + b * x) / 2
       Next
-    Next
-  Next
-Next
-lut.SourcePicture = self
-Call lut.Run
-lut.DestinationPicture)",
+)") + kRunTable,
          "Any formula fills the table: here red and blue change places, and green is between "
          "them."}}},
   };

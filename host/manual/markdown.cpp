@@ -71,8 +71,8 @@ std::string manualMarkdown(const std::vector<ShownGroup>& groups) {
   std::string text =
       "# Members\n\n"
       "All that the plug-in registers, with a line to try for each. `self` is the picture; "
-      "`./run members NAME` tells the same in a terminal, and [index.html](index.html), next to "
-      "this file, shows it with a search field. Made by `./run manual docs`.\n\n"
+      "`./run members NAME` tells the same in a terminal, and `./run` makes a page of it with a "
+      "search field. Made by `./run manual docs`.\n\n"
       "Unless it says otherwise, a picture that a member gives is new and has no mask, and those "
       "that it takes stay as they are. Called on a picture that is Nil, members give what "
       "they give for a failure, but programs in qrz get a NilObjectException before. A picture "

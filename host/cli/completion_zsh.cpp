@@ -34,14 +34,7 @@ compdef _qrz qrz -p '*/run'
 )zsh";
 
 /// The text where characters that end a part of an entry must not.
-std::string escaped(const std::string& text) {
-  std::string result;
-  for (const char c : text) {
-    if (std::string_view("[]:\\").find(c) != std::string_view::npos) result += '\\';
-    result += c;
-  }
-  return result;
-}
+std::string entryText(const std::string& text) { return backslashed(text, "[]:\\"); }
 
 std::string actionFor(const std::string& typeName) {
   if (const auto choices = choicesOf(typeName); !choices.empty()) {
@@ -67,9 +60,9 @@ std::string optionEntries(const CLI::Option& option) {
   for (const std::string& name : names) {
     std::string entry = takesMany(option) ? "*" : "(" + joined(names, " ") + ")";
     entry += takesValue(option) ? valuedName(name) : name;
-    entry += "[" + escaped(option.get_description()) + "]";
+    entry += "[" + entryText(option.get_description()) + "]";
     if (takesValue(option)) {
-      entry += ":" + escaped(option.get_type_name()) + ":";
+      entry += ":" + entryText(option.get_type_name()) + ":";
       entry += actionFor(option.get_type_name());
     }
     text += "  " + shellQuoted(entry) + "\n";
@@ -79,7 +72,7 @@ std::string optionEntries(const CLI::Option& option) {
 
 std::string argumentEntry(const CLI::Option& argument, const std::string& name) {
   return "  " +
-         shellQuoted((takesMany(argument) ? "*:" : ":") + escaped(name) + ":" +
+         shellQuoted((takesMany(argument) ? "*:" : ":") + entryText(name) + ":" +
                      actionFor(argument.get_type_name())) +
          "\n";
 }
@@ -121,7 +114,7 @@ std::string zshCompletion(const CLI::App& app, const std::string& program) {
   std::string functions;
   for (const CLI::App* command : commandsOf(app)) {
     commands += "  " +
-                shellQuoted(escaped(command->get_name()) + ":" +
+                shellQuoted(entryText(command->get_name()) + ":" +
                             paragraphsOf(command->get_description()).front()) +
                 "\n";
     functions += commandFunction(*command);

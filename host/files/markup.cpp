@@ -28,6 +28,15 @@ std::string escaped(std::string_view text) {
   return html;
 }
 
+std::string backslashed(std::string_view text, std::string_view characters) {
+  std::string result;
+  for (const char c : text) {
+    if (characters.find(c) != std::string_view::npos) result += '\\';
+    result += c;
+  }
+  return result;
+}
+
 std::string shellQuoted(std::string_view text) {
   std::string word = "'";
   for (const char c : text) {

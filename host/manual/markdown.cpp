@@ -1,17 +1,12 @@
 #include "host/manual/markdown.h"
 
+#include "host/files/markup.h"
+
 namespace host {
 namespace {
 
 /// Text between the bars of a table, or in a paragraph.
-std::string plain(const std::string& text) {
-  std::string result;
-  for (const char c : text) {
-    if (std::string_view("|*_<>\\`").find(c) != std::string_view::npos) result += '\\';
-    result += c;
-  }
-  return result;
-}
+std::string plain(const std::string& text) { return backslashed(text, "|*_<>\\`"); }
 
 std::string code(const std::string& text) { return "`" + text + "`"; }
 
